@@ -1,0 +1,11 @@
+/* Win32 eventlog functions (declarations arrive with their implementation). */
+#ifndef ZQ_PLATFORM_API_EVENTLOG_H
+#define ZQ_PLATFORM_API_EVENTLOG_H
+
+#include "platform/api/types.h"
+
+ZQ_EXTERN_C_BEGIN
+
+ZQ_EXTERN_C_END
+
+#endif /* ZQ_PLATFORM_API_EVENTLOG_H */

@@ -1,0 +1,11 @@
+/* Win32 process functions (declarations arrive with their implementation). */
+#ifndef ZQ_PLATFORM_API_PROCESS_H
+#define ZQ_PLATFORM_API_PROCESS_H
+
+#include "platform/api/types.h"
+
+ZQ_EXTERN_C_BEGIN
+
+ZQ_EXTERN_C_END
+
+#endif /* ZQ_PLATFORM_API_PROCESS_H */

@@ -1,0 +1,36 @@
+// The process environment.
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/win32.h"
+
+extern "C" {
+
+DWORD WINAPI GetEnvironmentVariableA(LPCSTR lpName, LPSTR lpBuffer, DWORD nSize) {
+    const char* value = lpName ? std::getenv(lpName) : nullptr;
+    if (!value) {
+        SetLastError(ERROR_ENVVAR_NOT_FOUND);
+        return 0;
+    }
+    size_t length = std::strlen(value);
+    if (!lpBuffer || length >= nSize) {
+        return static_cast<DWORD>(length + 1);
+    }
+    std::memcpy(lpBuffer, value, length + 1);
+    return static_cast<DWORD>(length);
+}
+
+BOOL WINAPI SetEnvironmentVariableA(LPCSTR lpName, LPCSTR lpValue) {
+    if (!lpName || !*lpName || std::strchr(lpName, '=')) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    int rc = lpValue ? setenv(lpName, lpValue, 1) : unsetenv(lpName);
+    if (rc != 0) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return FALSE;
+    }
+    return TRUE;
+}
+
+}  // extern "C"
