@@ -19,6 +19,9 @@ ZQ_API BOOL WINAPI TlsFree(DWORD dwTlsIndex);
 ZQ_API LPVOID WINAPI TlsGetValue(DWORD dwTlsIndex);
 ZQ_API BOOL WINAPI TlsSetValue(DWORD dwTlsIndex, LPVOID lpTlsValue);
 
+/* Closes any kernel-object handle (file, process, thread ...). */
+ZQ_API BOOL WINAPI CloseHandle(HANDLE hObject);
+
 ZQ_API DWORD WINAPI GetCurrentThreadId(void);
 ZQ_API DWORD WINAPI GetCurrentProcessId(void);
 ZQ_API void WINAPI Sleep(DWORD dwMilliseconds);
