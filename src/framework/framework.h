@@ -1,0 +1,8 @@
+// The application-framework subset the library is written against, in one
+// include: the root object class, strings, collections, files and the
+// extension-module registration.
+#pragma once
+
+#include "framework/cstring.h"
+#include "framework/extension_module.h"
+#include "framework/object.h"
