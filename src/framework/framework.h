@@ -3,6 +3,9 @@
 // extension-module registration.
 #pragma once
 
+#include "framework/arrays.h"
 #include "framework/cstring.h"
 #include "framework/extension_module.h"
+#include "framework/lists.h"
+#include "framework/maps.h"
 #include "framework/object.h"
