@@ -5,6 +5,7 @@
 
 #include "framework/arrays.h"
 #include "framework/cstring.h"
+#include "framework/exceptions.h"
 #include "framework/extension_module.h"
 #include "framework/lists.h"
 #include "framework/maps.h"

@@ -2,6 +2,8 @@
 
 #include <new>
 
+#include "framework/exceptions.h"
+
 const CRuntimeClass CObject::classCObject = {
     "CObject", static_cast<int>(sizeof(CObject)), 0xFFFF, nullptr, nullptr, nullptr};
 
@@ -26,6 +28,9 @@ CObject* CRuntimeClass::CreateObject() {
     // reports it: NULL, never an exception.
     try {
         return m_pfnCreateObject();
+    } catch (CException* e) {
+        e->Delete();
+        return nullptr;
     } catch (...) {
         return nullptr;
     }
