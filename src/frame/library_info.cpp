@@ -2,7 +2,9 @@
 
 namespace zq {
 
-const char* LibraryVersion() { return ZQ_LIBRARY_VERSION; }
+const char* LibraryVersion() {
+    return ZQ_LIBRARY_VERSION;
+}
 
 const char* BuildPlatform() {
 #if defined(_WIN32)
@@ -26,9 +28,11 @@ const char* BuildPlatform() {
     static const char* const kPlatform = [] {
         static char text[64];
         int i = 0;
-        for (const char* p = kSystem; *p && i < 40; ++p) text[i++] = *p;
+        for (const char* p = kSystem; *p && i < 40; ++p)
+            text[i++] = *p;
         text[i++] = ' ';
-        for (const char* p = kMachine; *p && i < 62; ++p) text[i++] = *p;
+        for (const char* p = kMachine; *p && i < 62; ++p)
+            text[i++] = *p;
         text[i] = '\0';
         return text;
     }();
