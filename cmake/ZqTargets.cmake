@@ -1,5 +1,7 @@
 # Helpers shared by the CMake files of the project.
 
+include(ZqResources)
+
 # zq_collect_sources(<out-var> <dir>...): the .cpp/.c files below the given
 # folders, without test files. Folders are globbed (re-checked at every
 # build) so that adding a file to a subsystem needs no edit here.
@@ -32,6 +34,9 @@ function(zq_add_test_suite name)
     endif()
     add_executable(${name} ${ARG_SOURCES} ${CMAKE_SOURCE_DIR}/tests/support/test_main.cpp)
     target_link_libraries(${name} PRIVATE ${ARG_LIBS} zq_test_support GTest::gtest GTest::gmock)
+    # Registry keys derive from the running program's version block: every
+    # test program has one of its own.
+    zq_add_version_info(${name} DESCRIPTION "${name} test program")
     gtest_discover_tests(${name}
         WORKING_DIRECTORY ${CMAKE_BINARY_DIR}/bin
         DISCOVERY_TIMEOUT 60

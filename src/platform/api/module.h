@@ -37,6 +37,46 @@ ZQ_API void WINAPI ZqModuleEntryDetach(const void* address_in_module, ZQ_DLL_ENT
 /* Whether the module with this instance handle refused its attach. */
 ZQ_API BOOL WINAPI ZqModuleAttachFailed(HINSTANCE module);
 
+/* Loading modules by name, as the Windows loader does.
+ *
+ * A module name such as "ZQFAXDEU.DLL" names the file "zqfaxdeu.dll.so":
+ * lower case, ".so" appended (a name without an extension gets ".dll"
+ * first; a trailing '.' means "no extension"). A bare name is looked up
+ * among the modules already loaded, then next to the executable, then in
+ * each folder of ZQ_MODULE_PATH (folders separated by ':'), trying the
+ * derived file name before the name as given. A name with a folder (DOS or
+ * Unix form) is tried as that exact file, then with the derived file name
+ * in that folder.
+ *
+ * LoadLibraryA returns the module's instance handle (its load base) and
+ * counts a reference; NULL with ERROR_MOD_NOT_FOUND when no file matches,
+ * ERROR_BAD_EXE_FORMAT when the file is not a loadable module, and
+ * ERROR_DLL_INIT_FAILED when its DllMain refused the attach (the module is
+ * unloaded again). FreeLibrary drops one reference and unloads the module
+ * at zero; TRUE also for a module that was not loaded by LoadLibraryA (it
+ * stays), FALSE with ERROR_MOD_NOT_FOUND for a handle that is no module.
+ * Thread-safe; DllMain may itself load modules. */
+ZQ_API HMODULE WINAPI LoadLibraryA(LPCSTR lpLibFileName);
+ZQ_API BOOL WINAPI FreeLibrary(HMODULE hLibModule);
+
+/* The exported function or variable `lpProcName` of the module itself (not
+ * of the modules it uses). Export ordinals do not exist here: an integer
+ * name fails with ERROR_PROC_NOT_FOUND, as does a missing name. */
+ZQ_API FARPROC WINAPI GetProcAddress(HMODULE hModule, LPCSTR lpProcName);
+
+/* NULL gives the executable's handle. A name is matched against the loaded
+ * modules by the rule above (without loading anything); NULL with
+ * ERROR_MOD_NOT_FOUND when none matches. No reference is counted. */
+ZQ_API HMODULE WINAPI GetModuleHandleA(LPCSTR lpModuleName);
+
+/* The module's full path in DOS form (Z:\usr\bin\zq; NULL module: the
+ * executable). Returns the characters written without the terminator.
+ * When the path does not fit, it is cut to nSize - 1 characters and
+ * terminated, the result is nSize and the last error
+ * ERROR_INSUFFICIENT_BUFFER (nSize 0: nothing written). 0 with
+ * ERROR_MOD_NOT_FOUND for a handle that is no module. */
+ZQ_API DWORD WINAPI GetModuleFileNameA(HMODULE hModule, LPSTR lpFilename, DWORD nSize);
+
 ZQ_EXTERN_C_END
 
 #ifdef __cplusplus
