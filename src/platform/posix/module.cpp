@@ -13,7 +13,7 @@
 
 #include "platform/posix/debug_channel.h"
 #include "platform/posix/loaded_modules.h"
-#include "platform/posix/path_forms.h"
+#include "platform/posix/dos_path.h"
 #include "platform/win32.h"
 
 namespace zq::platform::internal {
@@ -96,7 +96,9 @@ std::vector<std::string> SearchFolders() {
 HMODULE FindLoadedByName(const char* name) {
     std::vector<LoadedModule> modules = ListLoadedModules();
     if (HasFolder(name)) {
-        std::string unix_path = UnixPathFromCaller(name);
+        UnixPath converted = DosToUnix(name);
+        if (!converted) return {};
+        const std::string& unix_path = converted.path;
         std::string derived = Folder(unix_path) + "/" + DerivedFileName(BaseName(unix_path));
         for (const LoadedModule& module : modules) {
             if (module.path == unix_path || module.path == derived)
@@ -117,7 +119,9 @@ HMODULE FindLoadedByName(const char* name) {
 // The file LoadLibraryA should open for `name`, or "" when none exists.
 std::string LocateModuleFile(const char* name) {
     if (HasFolder(name)) {
-        std::string unix_path = UnixPathFromCaller(name);
+        UnixPath converted = DosToUnix(name);
+        if (!converted) return {};
+        const std::string& unix_path = converted.path;
         if (IsRegularFile(unix_path))
             return unix_path;
         std::string derived = Folder(unix_path) + "/" + DerivedFileName(BaseName(unix_path));
@@ -268,7 +272,7 @@ DWORD WINAPI GetModuleFileNameA(HMODULE hModule, LPSTR lpFilename, DWORD nSize) 
         SetLastError(ERROR_MOD_NOT_FOUND);
         return 0;
     }
-    const std::string dos = DosPathFromUnix(path);
+    const std::string dos = UnixToDos(path);
     if (!lpFilename || nSize == 0) {
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return 0;

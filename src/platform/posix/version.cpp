@@ -1,7 +1,4 @@
 // GetFileVersionInfoSizeA, GetFileVersionInfoA and VerQueryValueA.
-#include <sys/stat.h>
-
-#include <cerrno>
 #include <cstring>
 #include <mutex>
 #include <set>
@@ -10,9 +7,10 @@
 
 #include "platform/posix/debug_channel.h"
 #include "platform/posix/image_resources.h"
-#include "platform/posix/path_forms.h"
+#include "platform/posix/dos_path.h"
 #include "platform/posix/resource_text.h"
 #include "platform/posix/version_block.h"
+#include "platform/posix/win32_errno.h"
 #include "platform/win32.h"
 
 using namespace zq::platform::internal;
@@ -21,30 +19,16 @@ namespace {
 
 constexpr char kSignature[4] = {'F', 'E', '2', 'X'};
 
-DWORD OpenError(int error, const std::string& unix_path) {
-    if (error == EACCES || error == EISDIR || error == EPERM)
-        return ERROR_ACCESS_DENIED;
-    if (error == ENOENT) {
-        size_t slash = unix_path.rfind('/');
-        std::string folder =
-            slash == std::string::npos ? "." : unix_path.substr(0, slash == 0 ? 1 : slash);
-        struct stat info {};
-        return stat(folder.c_str(), &info) == 0 && S_ISDIR(info.st_mode) ? ERROR_FILE_NOT_FOUND
-                                                                         : ERROR_PATH_NOT_FOUND;
-    }
-    if (error == ENOTDIR || error == ENAMETOOLONG)
-        return ERROR_PATH_NOT_FOUND;
-    return ERROR_FILE_NOT_FOUND;
-}
-
 // The version block of a file, cut to the length its root states.
 DWORD ReadVersionBlock(LPCSTR filename, std::vector<uint8_t>* block) {
     if (!filename || !*filename)
         return ERROR_INVALID_PARAMETER;
-    const std::string unix_path = UnixPathFromCaller(filename);
+    const UnixPath unix_path = DosToUnix(filename);
+    if (!unix_path)
+        return unix_path.error;
     FileByteSource source;
-    if (int error = source.Open(unix_path))
-        return OpenError(error, unix_path);
+    if (int error = source.Open(unix_path.path))
+        return Win32ErrorFromErrno(error, unix_path.path);
 
     const ResourceName version_type = ResourceName::Id(16);
     ImageResources resources;
