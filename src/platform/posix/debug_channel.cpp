@@ -11,6 +11,7 @@ namespace {
 
 constexpr const char* kNames[kDebugChannelCount] = {
     "registry", "profile", "file", "module", "resource", "version", "locale", "process", "window", "tapi",
+    "debugstring",
 };
 
 unsigned ParseChannels() {

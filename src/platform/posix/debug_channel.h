@@ -20,6 +20,7 @@ enum DebugChannel : unsigned {
     kProcess,
     kWindow,
     kTapi,
+    kDebugString,  // OutputDebugStringA
     kDebugChannelCount
 };
 
