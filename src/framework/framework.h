@@ -4,9 +4,12 @@
 #pragma once
 
 #include "framework/arrays.h"
+#include "framework/cmd_target.h"
 #include "framework/cstring.h"
 #include "framework/exceptions.h"
 #include "framework/extension_module.h"
 #include "framework/lists.h"
 #include "framework/maps.h"
+#include "framework/menu.h"
 #include "framework/object.h"
+#include "framework/wnd.h"
