@@ -9,6 +9,12 @@ constexpr int kSelectFailed = 2;
 constexpr DWORD kErrorDialogObject = 0x21124003;
 }  // namespace
 
+void ZqGblGetLocalTime(SYSTEMTIME* lpSystemTime) {
+    if (lpSystemTime != nullptr) {
+        GetLocalTime(lpSystemTime);
+    }
+}
+
 int ZqSelectDirectory(char* lpszResult, DWORD dwSize, HWND /*hWndParent*/,
                       const char* /*lpszInitialDir*/, int /*nFlags*/, ...) {
     if (lpszResult != nullptr && dwSize > 0) {

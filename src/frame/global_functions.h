@@ -18,6 +18,9 @@ typedef struct tagFILEERRORDATA {
 // This library's instance handle, as stored at attach (NULL before).
 HINSTANCE ZqGblGetInstanceHandle();
 
+// The platform's local time; a NULL pointer is ignored.
+void ZqGblGetLocalTime(SYSTEMTIME* lpSystemTime);
+
 // Shows the directory-selection dialog and returns its result; 2 when no
 // directory was chosen or the chosen path does not fit into dwSize bytes.
 // A chosen path is copied into lpszResult, upper-cased with flag 4, else

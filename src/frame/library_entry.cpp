@@ -11,6 +11,8 @@ AFX_EXTENSION_MODULE g_extensionModule = {FALSE, nullptr, nullptr, nullptr, null
 int g_frameworkInitCount = 0;
 HINSTANCE g_hInstance = nullptr;
 
+constexpr const char* kSampleControlLibrary = "zqmuscrl.dll";
+
 }  // namespace
 
 HINSTANCE ZqGblGetInstanceHandle() {
@@ -32,15 +34,18 @@ BOOL AttachLibrary(HINSTANCE hInstance) {
     ++g_frameworkInitCount;
     g_hInstance = hInstance;
     block->m_hInstance = hInstance;
-    // The screen-sample control library is loaded here once the platform
-    // loads libraries; without it the field stays empty, which a failed
-    // load would leave too.
+    // A missing screen-sample control library leaves the field empty and
+    // does not fail the attach.
+    block->m_hSampleControl = LoadLibraryA(kSampleControlLibrary);
     return TRUE;
 }
 
 void DetachLibrary() {
     if (ZqGblProcessData* block = ZqGblGetProcessData()) {
-        block->m_hSampleControl = nullptr;
+        if (block->m_hSampleControl != nullptr) {
+            FreeLibrary(block->m_hSampleControl);
+            block->m_hSampleControl = nullptr;
+        }
     }
     DetachProcessData();
     if (g_frameworkInitCount > 0) {

@@ -7,6 +7,7 @@
 
 #include "frame/global_functions.h"
 #include "frame/process_data.h"
+#include "framework/cstring.h"
 #include "framework/extension_module.h"
 
 namespace {
@@ -95,6 +96,50 @@ TEST(GlobalFunctionsTest, KeptEntryPointsDoNothing) {
     EXPECT_EQ(ZqLogFileError(&data, 1, 2, 3), 0u);
     EXPECT_EQ(ZqLogFileErrorData(&data, 1, 2, 3, nullptr, 0), 0u);
     EXPECT_EQ(ZqLogFileError(nullptr, 0, 0, 0), 0u);
+}
+
+}  // namespace
+
+namespace {
+
+TEST(LibraryEntryTest, LibraryStringsAreFoundThroughTheExtensionChain) {
+    CString name;
+    ASSERT_TRUE(name.LoadString(130));
+    EXPECT_EQ(name, "Location");
+    EXPECT_EQ(CString(MAKEINTRESOURCE(129)), "SOFTWARE\\Zq,Inc.");
+    CString formatted;
+    formatted.Format(170u);  // a format without conversions
+    EXPECT_EQ(formatted, "TAPIDialingEnabled");
+    EXPECT_EQ(AfxFindResourceHandle(MAKEINTRESOURCE(130 / 16 + 1), RT_STRING),
+              ZqGblGetInstanceHandle());
+    EXPECT_FALSE(name.LoadString(171));
+    EXPECT_TRUE(name.IsEmpty());
+}
+
+TEST(LibraryEntryTest, StringsAreGoneWhileDetached) {
+    HINSTANCE instance = ZqGblGetInstanceHandle();
+    zq::frame::DetachLibrary();
+    CString name;
+    EXPECT_FALSE(name.LoadString(130));
+    ASSERT_TRUE(zq::frame::AttachLibrary(instance));
+    EXPECT_TRUE(name.LoadString(130));
+}
+
+TEST(LibraryEntryTest, MissingSampleControlLibraryLeavesTheFieldEmpty) {
+    ZqGblProcessData* block = ZqGblGetProcessData();
+    ASSERT_NE(block, nullptr);
+    EXPECT_EQ(block->m_hSampleControl, nullptr);
+}
+
+TEST(GlobalFunctionsTest, LocalTimeIsThePlatformsLocalTime) {
+    SYSTEMTIME mine{}, platform{};
+    ZqGblGetLocalTime(&mine);
+    GetLocalTime(&platform);
+    EXPECT_GE(mine.wYear, 2020);
+    EXPECT_GE(mine.wMonth, 1);
+    EXPECT_LE(mine.wMonth, 12);
+    EXPECT_EQ(mine.wYear, platform.wYear);  // may differ only across New Year's midnight
+    ZqGblGetLocalTime(nullptr);
 }
 
 }  // namespace

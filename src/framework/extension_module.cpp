@@ -1,6 +1,7 @@
 #include "framework/extension_module.h"
 
 #include <atomic>
+#include <climits>
 #include <mutex>
 #include <vector>
 
@@ -91,7 +92,7 @@ void AfxTermExtensionModule(AFX_EXTENSION_MODULE& state, BOOL /*bAll*/) {
 }
 
 HINSTANCE AfxGetInstanceHandle() {
-    return nullptr;
+    return GetModuleHandleA(nullptr);
 }
 
 HINSTANCE AfxGetResourceHandle() {
@@ -108,18 +109,27 @@ void AfxSetResourceHandle(HINSTANCE hInstResource) {
     s.resourceHandleSet.store(true);
 }
 
-HINSTANCE AfxFindResourceHandle(LPCTSTR /*lpszName*/, LPCTSTR /*lpszType*/) {
-    // The search through SearchOrder() needs FindResourceA; until the
-    // platform has it, the resource handle is the answer.
+HINSTANCE AfxFindResourceHandle(LPCTSTR lpszName, LPCTSTR lpszType) {
+    for (HINSTANCE module : SearchOrder()) {
+        if (FindResourceA(module, lpszName, lpszType) != nullptr) {
+            return module;
+        }
+    }
     return AfxGetResourceHandle();
 }
 
-int AfxLoadString(UINT /*nID*/, LPTSTR lpszBuf, UINT nMaxBuf) {
-    // Searches SearchOrder() once the platform has LoadStringA.
-    (void)SearchOrder;
-    if (lpszBuf != nullptr && nMaxBuf > 0) {
-        lpszBuf[0] = '\0';
+int AfxLoadString(UINT nID, LPTSTR lpszBuf, UINT nMaxBuf) {
+    if (lpszBuf == nullptr || nMaxBuf == 0) {
+        return 0;
     }
+    int size = nMaxBuf > static_cast<UINT>(INT_MAX) ? INT_MAX : static_cast<int>(nMaxBuf);
+    for (HINSTANCE module : SearchOrder()) {
+        int n = LoadStringA(module, nID, lpszBuf, size);
+        if (n > 0) {
+            return n;
+        }
+    }
+    lpszBuf[0] = '\0';
     return 0;
 }
 

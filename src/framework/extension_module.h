@@ -47,8 +47,7 @@ BOOL AfxInitExtensionModule(AFX_EXTENSION_MODULE& state, HMODULE hModule);
 // for the classic signature) and marks the record uninitialised.
 void AfxTermExtensionModule(AFX_EXTENSION_MODULE& state, BOOL bAll = FALSE);
 
-// The application's instance handle. NULL stands for the running
-// executable, as it does for the resource functions.
+// The application's instance handle: the running executable's.
 HINSTANCE AfxGetInstanceHandle();
 // The module searched first for resources; the application unless set.
 HINSTANCE AfxGetResourceHandle();
