@@ -1,27 +1,38 @@
-// zq: the library's facilities from the shell.
+// zq: the library's facilities from the shell. Subcommands register
+// themselves (command.h); this file only parses and dispatches.
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
 #include <string>
 
-#include "frame/library_info.h"
+#include "command.h"
 #include "platform/win32.h"
+
+namespace zq::app {
+std::vector<CommandSetup>& Commands() {
+    static std::vector<CommandSetup> commands;
+    return commands;
+}
+}  // namespace zq::app
 
 int main(int argc, char** argv) {
     CLI::App app{"zq - settings, dialing and diagnostics of the communication suite"};
     app.require_subcommand(0, 1);
     std::string prefix;
-    app.add_option("--prefix", prefix, "Folder holding the emulated system's state (overrides ZQ_PREFIX)");
+    app.add_option("--prefix", prefix,
+                   "Folder holding the emulated system's state (overrides ZQ_PREFIX)");
 
-    auto* info = app.add_subcommand("info", "Show the library version and the platform");
-    auto* tour = app.add_subcommand("tour", "A short tour of what the library does");
+    zq::app::Runner run;
+    for (zq::app::CommandSetup setup : zq::app::Commands())
+        setup(app, run);
     CLI11_PARSE(app, argc, argv);
 
     if (!prefix.empty()) {
         SetEnvironmentVariableA("ZQ_PREFIX", prefix.c_str());
     }
-    if (*info || *tour || app.get_subcommands().empty()) {
-        std::printf("zqgbl %s on %s\n", zq::LibraryVersion(), zq::BuildPlatform());
+    if (!run) {
+        // No subcommand: the same as "info".
+        app.clear();
+        app.parse(std::string("info"), false);
     }
-    return 0;
+    return run ? run() : 0;
 }
