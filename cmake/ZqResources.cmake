@@ -7,8 +7,9 @@
 # target's own file (between two hidden symbols), registered with the
 # platform from a static constructor so that FindResourceA, LoadStringA and
 # GetFileVersionInfoA find it; on Windows the scripts simply become sources
-# of the target. The target must link the platform (zqplatform or its
-# objects). Scripts are run through the C preprocessor first (with
+# of the target. The registration needs the platform (zqplatform or its
+# objects) linked into the target; without it the resources are still in
+# the file for GetFileVersionInfoA. Scripts are run through the C preprocessor first (with
 # resources/include on the include path, standing in for the system's
 # <winver.h> and the like); files that a script embeds (RCDATA "file") are
 # looked up beside the script and from the top of the source tree, and
@@ -97,15 +98,17 @@ __asm__(
 
 extern const unsigned char zq_rsrc_begin_@id@[] __attribute__((visibility("hidden")));
 extern const unsigned char zq_rsrc_end_@id@[] __attribute__((visibility("hidden")));
-extern int ZqRegisterModuleResources(const void* begin, const void* end);
-extern void ZqUnregisterModuleResources(const void* begin);
+/* Weak: a program that does not use the platform still links; its
+ * resources are then only read from its file (GetFileVersionInfoA). */
+extern int ZqRegisterModuleResources(const void* begin, const void* end) __attribute__((weak));
+extern void ZqUnregisterModuleResources(const void* begin) __attribute__((weak));
 
 __attribute__((constructor)) static void zq_rsrc_register_@id@(void) {
-    ZqRegisterModuleResources(zq_rsrc_begin_@id@, zq_rsrc_end_@id@);
+    if (ZqRegisterModuleResources) ZqRegisterModuleResources(zq_rsrc_begin_@id@, zq_rsrc_end_@id@);
 }
 
 __attribute__((destructor)) static void zq_rsrc_unregister_@id@(void) {
-    ZqUnregisterModuleResources(zq_rsrc_begin_@id@);
+    if (ZqUnregisterModuleResources) ZqUnregisterModuleResources(zq_rsrc_begin_@id@);
 }
 ]=] @ONLY)
     set_source_files_properties(${source} PROPERTIES OBJECT_DEPENDS "${res_files}")

@@ -8,7 +8,8 @@
 
 namespace zq::platform::internal {
 
-// UTF-16 to the ANSI code page; characters without a mapping become '?'.
+// UTF-16 to the ANSI code page (GetACP); characters without a mapping
+// become the page's default character after a best-fit attempt.
 std::string AnsiFromUtf16(std::u16string_view text);
 // ANSI code page to UTF-16.
 std::u16string Utf16FromAnsi(std::string_view text);
