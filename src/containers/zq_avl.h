@@ -49,7 +49,9 @@ public:
     // Both copies share the same nodes afterwards: only one may free them.
     CZqAvl(const CZqAvl& other);
     CZqAvl& operator=(const CZqAvl& other);
-    // Frees every node (AvlFreeTree).
+    // Frees every node (AvlFreeTree). While it runs, a derived class's
+    // AvlDeleteUserData is no longer reachable: a class that overrides it
+    // frees the tree in its own destructor.
     virtual ~CZqAvl();
 
     // Makes the record for a node created without one; the base makes none.

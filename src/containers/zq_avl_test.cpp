@@ -23,6 +23,7 @@ INT WINAPI CompareIntsRaw(LPVOID a, LPVOID b) {
 // A tree of int records that counts what it disposes of.
 class IntTree : public CZqAvl {
 public:
+    ~IntTree() override { AvlFreeTree(); }
     void AvlDeleteUserData(LPVOID pData) override {
         ++deleted;
         delete static_cast<int*>(pData);

@@ -4,6 +4,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -39,11 +40,14 @@ void WriteField(std::string* out, const char* name, const std::string& value) {
         WriteField(&report, "arg", args.substr(start, end - start));
         start = end + 1;
     }
-    int fd = open(out_path, O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    // Written aside and renamed, so a reader sees the whole report or none.
+    std::string temporary = std::string(out_path) + ".part";
+    int fd = open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
     if (fd >= 0) {
         ssize_t ignored = write(fd, report.data(), report.size());
         (void)ignored;
         close(fd);
+        rename(temporary.c_str(), out_path);
     }
     if (const char* sleep_ms = std::getenv("ZQ_PROCESS_PROBE_SLEEP_MS")) {
         long ms = std::atol(sleep_ms);
@@ -88,6 +92,16 @@ ProbeReport ReadProbeReport(const std::string& unix_path) {
         }
     }
     return report;
+}
+
+ProbeReport AwaitProbeReport(const std::string& unix_path, int timeout_ms) {
+    for (int waited = 0;; waited += 10) {
+        if (access(unix_path.c_str(), F_OK) == 0 || waited >= timeout_ms) {
+            return ReadProbeReport(unix_path);
+        }
+        timespec ts{0, 10 * 1000000};
+        nanosleep(&ts, nullptr);
+    }
 }
 
 }  // namespace zq::test
