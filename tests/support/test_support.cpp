@@ -68,6 +68,28 @@ std::string ExecutableFolder() {
     return path.substr(0, path.find_last_of('/'));
 }
 
+ScopedEnvironmentVariable::ScopedEnvironmentVariable(const char* name, const char* value)
+    : name_(name) {
+    const char* old = std::getenv(name);
+    had_previous_ = old != nullptr;
+    if (old) {
+        previous_ = old;
+    }
+    if (value) {
+        setenv(name, value, 1);
+    } else {
+        unsetenv(name);
+    }
+}
+
+ScopedEnvironmentVariable::~ScopedEnvironmentVariable() {
+    if (had_previous_) {
+        setenv(name_.c_str(), previous_.c_str(), 1);
+    } else {
+        unsetenv(name_.c_str());
+    }
+}
+
 void RemovePrefix() {
     if (!std::getenv("ZQ_KEEP_TEST_PREFIX")) {
         nftw(TestPrefix().c_str(), RemoveEntry, 16, FTW_DEPTH | FTW_PHYS);

@@ -25,4 +25,19 @@ bool WriteFileBytes(const std::string& unix_path, const std::string& bytes);
 // Folder of the running test executable (where the built modules are).
 std::string ExecutableFolder();
 
+// Sets (or, with nullptr, removes) an environment variable for the life of
+// the object and restores the previous state afterwards.
+class ScopedEnvironmentVariable {
+public:
+    ScopedEnvironmentVariable(const char* name, const char* value);
+    ~ScopedEnvironmentVariable();
+    ScopedEnvironmentVariable(const ScopedEnvironmentVariable&) = delete;
+    ScopedEnvironmentVariable& operator=(const ScopedEnvironmentVariable&) = delete;
+
+private:
+    std::string name_;
+    std::string previous_;
+    bool had_previous_;
+};
+
 }  // namespace zq::test

@@ -103,6 +103,19 @@ std::string IcuNameFor(UINT id) {
 }  // namespace
 
 char16_t BestFitBase(char16_t unit) {
+    // Letters with a stroke have no decomposition but an obvious base.
+    static constexpr struct {
+        char16_t from, to;
+    } kStroked[] = {
+        {u'\u0110', u'D'}, {u'\u0111', u'd'}, {u'\u0126', u'H'}, {u'\u0127', u'h'},
+        {u'\u0131', u'i'}, {u'\u0141', u'L'}, {u'\u0142', u'l'}, {u'\u0166', u'T'},
+        {u'\u0167', u't'}, {u'\u2010', u'-'}, {u'\u2011', u'-'}, {u'\u2212', u'-'},
+    };
+    for (const auto& pair : kStroked) {
+        if (pair.from == unit) {
+            return pair.to;
+        }
+    }
     UErrorCode status = U_ZERO_ERROR;
     const icu::Normalizer2* nfd = icu::Normalizer2::getNFDInstance(status);
     if (U_FAILURE(status)) {

@@ -83,7 +83,8 @@ private:
 };
 
 // Best-fit candidate for a character without a mapping: the base letter of
-// its canonical decomposition (U+0101 'ā' -> 'a'), or 0 when there is none.
+// its canonical decomposition (U+0101 'ā' -> 'a'), the letter under a
+// stroke (U+0142 'ł' -> 'l'), or 0 when there is none.
 char16_t BestFitBase(char16_t unit);
 
 }  // namespace zq::platform::internal
