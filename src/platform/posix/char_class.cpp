@@ -48,14 +48,22 @@ CharClass::CharClass(unsigned code_page) {
 }
 
 const CharClass& CharClass::Ansi() {
+    // Tables are never freed, so each thread may keep the last one it used.
+    thread_local unsigned cached_code_page = 0;
+    thread_local const CharClass* cached = nullptr;
+    const unsigned code_page = GetACP();
+    if (cached && cached_code_page == code_page) {
+        return *cached;
+    }
     static std::mutex mutex;
     static auto* tables = new std::map<unsigned, std::unique_ptr<CharClass>>;  // lives until exit
-    const unsigned code_page = GetACP();
     std::lock_guard<std::mutex> lock(mutex);
     auto& slot = (*tables)[code_page];
     if (!slot) {
         slot.reset(new CharClass(code_page));
     }
+    cached_code_page = code_page;
+    cached = slot.get();
     return *slot;
 }
 
