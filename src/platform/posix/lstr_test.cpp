@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "platform/posix/collation.h"
 #include "platform/posix/locale_table.h"
 #include "platform/win32.h"
 #include "support/test_support.h"
@@ -178,6 +179,47 @@ TEST(CharNextPrev, DoubleByte) {
                  "a");
     const char cut[] = "\x93";  // a lead byte before the terminator
     EXPECT_EQ(CharNextA(cut), cut + 1);
+}
+
+}  // namespace
+
+namespace {
+
+// Printable ASCII takes a table-driven path; it must agree with ICU.
+TEST(Collation, AsciiShortcutAgreesWithIcu) {
+    using zq::platform::internal::CollateAnsi;
+    using zq::platform::internal::CollateAnsiWithIcu;
+    const std::string alphabet = "aAbBzZ09 -'_.,\\~!{}@#$%^&*()[]+=:;\"<>/?|`";
+    uint32_t seed = 12345;
+    auto next = [&seed] {
+        seed = seed * 1103515245u + 12345u;
+        return (seed >> 16) & 0x7FFF;
+    };
+    for (const char* lcid : {"0409", "0407", "040C", "0411", "0419"}) {
+        ScopedLocale locale(lcid);
+        for (int n = 0; n < 3000; ++n) {
+            std::string a, b;
+            const size_t length = next() % 6;
+            for (size_t i = 0; i < length; ++i)
+                a += alphabet[next() % alphabet.size()];
+            b = a;
+            // Mostly near misses: change, drop or add one character.
+            const unsigned what = next() % 4;
+            if (what == 0)
+                b = "";
+            const size_t more = next() % 3;
+            for (size_t i = 0; i < more; ++i)
+                b += alphabet[next() % alphabet.size()];
+            if (what == 1 && !b.empty())
+                b[next() % b.size()] = alphabet[next() % alphabet.size()];
+            for (bool ignore_case : {false, true}) {
+                const LCID id = GetUserDefaultLCID();
+                ASSERT_EQ(Sign(CollateAnsi(a, b, ignore_case)),
+                          Sign(CollateAnsiWithIcu(id, a, b, ignore_case)))
+                    << lcid << " \"" << a << "\" vs \"" << b << "\" ignore_case=" << ignore_case;
+            }
+        }
+    }
 }
 
 }  // namespace
