@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -39,6 +40,8 @@ public:
     int Fsync(int fd) override { return ::fsync(fd); }
     int Rename(const char* from, const char* to) override { return ::rename(from, to); }
     int Unlink(const char* path) override { return ::unlink(path); }
+    int Stat(const char* path, struct stat* status) override { return ::stat(path, status); }
+    int Fstat(int fd, struct stat* status) override { return ::fstat(fd, status); }
     int Lock(int fd, int operation) override {
         int rc;
         do {

@@ -10,6 +10,7 @@
 // Calls return what the system call returns (-1 and errno on failure).
 #pragma once
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <cstdint>
@@ -28,6 +29,8 @@ public:
     virtual int Fsync(int fd) = 0;
     virtual int Rename(const char* from, const char* to) = 0;
     virtual int Unlink(const char* path) = 0;
+    virtual int Stat(const char* path, struct stat* status) = 0;
+    virtual int Fstat(int fd, struct stat* status) = 0;
     // Whole-file advisory lock (flock semantics: dies with the descriptor).
     // `operation` is LOCK_SH, LOCK_EX or LOCK_UN, optionally | LOCK_NB.
     virtual int Lock(int fd, int operation) = 0;
@@ -59,6 +62,8 @@ public:
     int Fsync(int fd) override { return target_.Fsync(fd); }
     int Rename(const char* from, const char* to) override { return target_.Rename(from, to); }
     int Unlink(const char* path) override { return target_.Unlink(path); }
+    int Stat(const char* path, struct stat* status) override { return target_.Stat(path, status); }
+    int Fstat(int fd, struct stat* status) override { return target_.Fstat(fd, status); }
     int Lock(int fd, int operation) override { return target_.Lock(fd, operation); }
     uint64_t MonotonicMillis() override { return target_.MonotonicMillis(); }
     int64_t RealTimeNanos() override { return target_.RealTimeNanos(); }
