@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "platform/posix/profile_edit.h"
-#include "platform/posix/profile_path.h"
 #include "platform/posix/profile_store.h"
 #include "platform/win32.h"
 
@@ -18,16 +17,8 @@ using LineKind = ProfileText::LineKind;
 constexpr const char* kWinIni = "win.ini";
 
 ProfileStore::Snapshot ReadProfile(const char* file_name) {
-    DWORD error = ERROR_SUCCESS;
-    const std::string path = ProfileFilePath(file_name ? file_name : kWinIni, error);
-    ProfileStore::Snapshot snapshot;
-    if (!path.empty()) {
-        snapshot = ProfileStore::Instance().Read(path);
-    } else {
-        static const auto* empty =
-            new std::shared_ptr<const ProfileText>(std::make_shared<const ProfileText>());
-        snapshot.text = *empty;
-    }
+    ProfileStore::Snapshot snapshot =
+        ProfileStore::Instance().Read(file_name ? file_name : kWinIni);
     if (!snapshot.exists) {
         SetLastError(ERROR_FILE_NOT_FOUND);
     }
@@ -35,13 +26,7 @@ ProfileStore::Snapshot ReadProfile(const char* file_name) {
 }
 
 BOOL ModifyProfile(const char* file_name, const ProfileStore::Edit& edit) {
-    DWORD error = ERROR_SUCCESS;
-    const std::string path = ProfileFilePath(file_name ? file_name : kWinIni, error);
-    if (path.empty()) {
-        SetLastError(error);
-        return FALSE;
-    }
-    error = ProfileStore::Instance().Modify(path, edit);
+    const DWORD error = ProfileStore::Instance().Modify(file_name ? file_name : kWinIni, edit);
     if (error != ERROR_SUCCESS) {
         SetLastError(error);
         return FALSE;

@@ -1,9 +1,8 @@
 // Where the profile functions find the file that a caller names.
 //
 // A bare file name (no '\' or '/') is a file in the Windows folder,
-// C:\windows = $ZQ_PREFIX/drive_c/windows, which is created when missing.
-// Any other name is a DOS path (C: is $ZQ_PREFIX/drive_c, Z: the Unix root,
-// "\dir\file" starts at the root of C:) or a Unix path.
+// C:\windows. Any other name is a DOS or Unix path (see dos_path.h). Names
+// are matched to existing files without regard to case.
 #pragma once
 
 #include <string>
@@ -12,13 +11,9 @@
 
 namespace zq::platform::internal {
 
-// Unix path of the profile file `file_name` (not NULL). On failure returns
-// an empty string and sets `error` to the Win32 code
-// (ERROR_PATH_NOT_FOUND for a drive other than C: or Z:, ERROR_BAD_PATHNAME
-// for a network path).
-std::string ProfileFilePath(const char* file_name, DWORD& error);
-
-// Unix path of the Windows folder.
-std::string WindowsFolderPath();
+// Unix path of the profile file `name`. On failure returns an empty string
+// and sets `error` to the Win32 code of the DOS path layer
+// (ERROR_PATH_NOT_FOUND, ERROR_FILENAME_EXCED_RANGE, ERROR_INVALID_NAME ...).
+std::string ProfileFilePath(const std::string& name, DWORD& error);
 
 }  // namespace zq::platform::internal

@@ -16,41 +16,14 @@
 #include <unordered_map>
 
 #include "platform/posix/debug_channel.h"
+#include "platform/posix/dos_attributes.h"
 #include "platform/posix/host.h"
+#include "platform/posix/profile_path.h"
+#include "platform/posix/win32_errno.h"
 
 namespace zq::platform::internal {
 
 namespace {
-
-DWORD ErrorFromErrno(int error) {
-    switch (error) {
-        case ENOENT:
-        case ENOTDIR:
-        case ELOOP:
-            return ERROR_PATH_NOT_FOUND;
-        case EACCES:
-        case EPERM:
-        case EISDIR:
-            return ERROR_ACCESS_DENIED;
-        case EROFS:
-            return ERROR_WRITE_PROTECT;
-        case ENOSPC:
-        case EDQUOT:
-        case EFBIG:
-            return ERROR_DISK_FULL;
-        case ENAMETOOLONG:
-            return ERROR_FILENAME_EXCED_RANGE;
-        case EMFILE:
-        case ENFILE:
-            return ERROR_TOO_MANY_OPEN_FILES;
-        case ENOMEM:
-            return ERROR_NOT_ENOUGH_MEMORY;
-        case EWOULDBLOCK:
-            return ERROR_SHARING_VIOLATION;
-        default:
-            return ERROR_GEN_FAILURE;
-    }
-}
 
 int64_t Nanos(const struct timespec& ts) {
     return static_cast<int64_t>(ts.tv_sec) * 1'000'000'000 + ts.tv_nsec;
@@ -166,6 +139,7 @@ void SleepMillis(unsigned millis) {
 struct ProfileStore::CachedFile {
     std::mutex mutex;        // guards the fields below
     std::mutex write_mutex;  // one writer of this file at a time within the process
+    std::string unix_path;   // what the name resolved to when last resolved
     int fd = -1;             // open on the file whose bytes `text` holds
     FileIdentity identity;
     bool racy = false;
@@ -201,11 +175,13 @@ struct ProfileStore::State {
 };
 
 ProfileStore& ProfileStore::Instance() {
-    static ProfileStore* store = new ProfileStore;  // never destroyed: used during exit
+    // Never destroyed: profile functions may run during exit.
+    static ProfileStore* store = new ProfileStore(&ProfileFilePath);
     return *store;
 }
 
-ProfileStore::ProfileStore() : state_(std::make_unique<State>()) {}
+ProfileStore::ProfileStore(Resolver resolver)
+    : resolver_(resolver), state_(std::make_unique<State>()) {}
 
 ProfileStore::~ProfileStore() = default;
 
@@ -235,9 +211,9 @@ bool ProfileStore::IsRacy(const FileIdentity& identity, int64_t now) {
     return now - identity.mtime < window;
 }
 
-std::shared_ptr<ProfileStore::CachedFile> ProfileStore::Entry(const std::string& unix_path) {
+std::shared_ptr<ProfileStore::CachedFile> ProfileStore::Entry(const std::string& name) {
     std::lock_guard lock(state_->mutex);
-    auto it = state_->files.find(unix_path);
+    auto it = state_->files.find(name);
     if (it != state_->files.end()) {
         it->second->last_used = ++state_->clock;
         return it->second;
@@ -253,65 +229,66 @@ std::shared_ptr<ProfileStore::CachedFile> ProfileStore::Entry(const std::string&
     }
     auto file = std::make_shared<CachedFile>();
     file->last_used = ++state_->clock;
-    state_->files.emplace(unix_path, file);
+    state_->files.emplace(name, file);
     return file;
 }
 
-ProfileStore::Snapshot ProfileStore::Read(const std::string& unix_path) {
-    std::shared_ptr<CachedFile> file = Entry(unix_path);
+ProfileStore::Snapshot ProfileStore::Read(const std::string& name) {
+    std::shared_ptr<CachedFile> file = Entry(name);
     std::lock_guard lock(file->mutex);
-    Refresh(*file, unix_path);
+    Refresh(*file, name);
     return Snapshot{file->text, file->fd >= 0};
 }
 
-void ProfileStore::Refresh(CachedFile& file, const std::string& unix_path) {
-    if (!file.text) {
-        Load(file, unix_path);
+void ProfileStore::Refresh(CachedFile& file, const std::string& name) {
+    if (!file.text || file.fd < 0) {
+        Load(file, name);  // a missing file may have appeared, under any case of its name
         return;
     }
     Host& host = CurrentHost();
     struct stat st;
-    if (file.fd < 0) {
-        if (host.Stat(unix_path.c_str(), &st) == 0) {  // the file may have appeared
-            Load(file, unix_path);
-        }
-        return;
-    }
     if (host.Fstat(file.fd, &st) != 0 || st.st_nlink == 0 || !(IdentityOf(st) == file.identity)) {
-        Load(file, unix_path);
+        Load(file, name);
         return;
     }
     if (file.racy) {
         const bool still_racy = IsRacy(file.identity, host.RealTimeNanos());
         if (!SameBytes(file.fd, file.text->bytes())) {
-            ZQ_TRACE(kProfile, "%s changed within the clock's tick; reloading", unix_path.c_str());
-            Load(file, unix_path);
+            ZQ_TRACE(kProfile, "%s changed within the clock's tick; reloading", name.c_str());
+            Load(file, name);
             return;
         }
         file.racy = still_racy;
     }
     const uint64_t now = host.MonotonicMillis();
     if (now - file.path_checked >= kPathCheckMillis) {
-        if (host.Stat(unix_path.c_str(), &st) != 0 || st.st_dev != file.identity.dev ||
-            st.st_ino != file.identity.ino) {
-            Load(file, unix_path);
+        DWORD error = ERROR_SUCCESS;
+        const std::string path = resolver_(name, error);
+        if (path != file.unix_path || host.Stat(path.c_str(), &st) != 0 ||
+            st.st_dev != file.identity.dev || st.st_ino != file.identity.ino) {
+            Load(file, name);
             return;
         }
         file.path_checked = now;
     }
 }
 
-void ProfileStore::Load(CachedFile& file, const std::string& unix_path) {
+void ProfileStore::Load(CachedFile& file, const std::string& name) {
     Host& host = CurrentHost();
     const uint64_t now = host.MonotonicMillis();
     file.Replace(-1, FileIdentity{}, state_->empty, false, now);
-    const int fd = host.Open(unix_path.c_str(), O_RDONLY | O_NONBLOCK, 0);
+    DWORD error = ERROR_SUCCESS;
+    file.unix_path = resolver_(name, error);
+    if (file.unix_path.empty()) {
+        return;
+    }
+    const int fd = host.Open(file.unix_path.c_str(), O_RDONLY | O_NONBLOCK, 0);
     if (fd < 0) {
         return;
     }
     struct stat st;
     if (host.Fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || st.st_size >= ProfileText::kMaxBytes) {
-        ZQ_TRACE(kProfile, "%s: not a readable profile file", unix_path.c_str());
+        ZQ_TRACE(kProfile, "%s: not a readable profile file", file.unix_path.c_str());
         host.Close(fd);
         return;
     }
@@ -321,7 +298,7 @@ void ProfileStore::Load(CachedFile& file, const std::string& unix_path) {
         host.Close(fd);
         return;
     }
-    ZQ_TRACE(kProfile, "load %s (%zu bytes)", unix_path.c_str(), bytes.size());
+    ZQ_TRACE(kProfile, "load %s (%zu bytes)", file.unix_path.c_str(), bytes.size());
     const FileIdentity identity = IdentityOf(st);
     file.Replace(fd, identity, std::make_shared<const ProfileText>(std::move(bytes)),
                  IsRacy(identity, read_at), now);
@@ -350,7 +327,7 @@ DWORD OpenLocked(Host& host, const std::string& path, uint32_t timeout, LockedFi
             out.created = fd >= 0;
         }
         if (fd < 0) {
-            return ErrorFromErrno(errno);
+            return Win32ErrorFromErrno(errno, path);
         }
         if (host.Fstat(fd, &out.st) != 0 || !S_ISREG(out.st.st_mode)) {
             host.Close(fd);
@@ -369,7 +346,8 @@ DWORD OpenLocked(Host& host, const std::string& path, uint32_t timeout, LockedFi
         }
         if (lock_error != 0) {
             host.Close(fd);  // a file we created stays: its lock holder writes it
-            return ErrorFromErrno(lock_error);
+            return lock_error == EWOULDBLOCK ? ERROR_SHARING_VIOLATION
+                                             : Win32ErrorFromErrno(lock_error, path);
         }
         // A writer that held the lock before us may have renamed a new file
         // over the path: then this lock guards nothing.
@@ -392,16 +370,20 @@ DWORD OpenLocked(Host& host, const std::string& path, uint32_t timeout, LockedFi
 // on the new file.
 DWORD ReplaceFile(Host& host, const std::string& path, const std::string& bytes,
                   const struct stat& old, int& out_fd) {
+    const DWORD kept_bits = LoadKeptBits(path);
     const std::string temporary = TemporaryPathFor(path);
     const int fd = host.Open(temporary.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0600);
     if (fd < 0) {
-        return ErrorFromErrno(errno);
+        return Win32ErrorFromErrno(errno, temporary);
     }
     ::fchmod(fd, old.st_mode & 07777);
     if (::geteuid() == 0 && (old.st_uid != 0 || old.st_gid != 0)) {
         if (::fchown(fd, old.st_uid, old.st_gid) != 0) {
             // keeps root's ownership; the permission bits still hold
         }
+    }
+    if (kept_bits != 0) {
+        StoreKeptBits(temporary, kept_bits);  // where the file system keeps them at all
     }
     int error = 0;
     if (!WriteAll(host, fd, bytes)) {
@@ -414,7 +396,7 @@ DWORD ReplaceFile(Host& host, const std::string& path, const std::string& bytes,
     if (error != 0) {
         host.Close(fd);
         host.Unlink(temporary.c_str());
-        return ErrorFromErrno(error);
+        return Win32ErrorFromErrno(error, path);
     }
     SyncFolder(host, FolderOf(path));
     out_fd = fd;
@@ -423,10 +405,15 @@ DWORD ReplaceFile(Host& host, const std::string& path, const std::string& bytes,
 
 }  // namespace
 
-DWORD ProfileStore::Modify(const std::string& unix_path, const Edit& edit) {
-    std::shared_ptr<CachedFile> file = Entry(unix_path);
+DWORD ProfileStore::Modify(const std::string& name, const Edit& edit) {
+    std::shared_ptr<CachedFile> file = Entry(name);
     std::lock_guard writer(file->write_mutex);
     Host& host = CurrentHost();
+    DWORD resolve_error = ERROR_SUCCESS;
+    const std::string unix_path = resolver_(name, resolve_error);
+    if (unix_path.empty()) {
+        return resolve_error;
+    }
 
     // Write through a symbolic link into the file it names, keeping the link.
     std::string target = unix_path;
@@ -452,7 +439,7 @@ DWORD ProfileStore::Modify(const std::string& unix_path, const Edit& edit) {
         ZQ_TRACE(kProfile, "write %s failed (%u)", target.c_str(), error);
         return error;
     };
-    if ((locked.st.st_mode & 0222) == 0) {
+    if ((locked.st.st_mode & S_IWUSR) == 0) {
         return fail(ERROR_ACCESS_DENIED);  // the read-only attribute
     }
     std::string bytes;
@@ -483,7 +470,7 @@ DWORD ProfileStore::Modify(const std::string& unix_path, const Edit& edit) {
             return fail(error);
         }
         ZQ_TRACE(kProfile, "wrote %s (%zu bytes)", target.c_str(), next->size());
-        result = std::make_shared<const ProfileText>(std::move(*next));
+        result = std::make_shared<const ProfileText>(*current, std::move(*next));
         result_fd = new_fd;
         host.Lock(locked.fd, LOCK_UN);
         host.Close(locked.fd);
@@ -500,6 +487,7 @@ DWORD ProfileStore::Modify(const std::string& unix_path, const Edit& edit) {
     }
     const FileIdentity identity = IdentityOf(st);
     std::lock_guard lock(file->mutex);
+    file->unix_path = unix_path;
     file->Replace(result_fd, identity, std::move(result), IsRacy(identity, host.RealTimeNanos()),
                   host.MonotonicMillis());
     return ERROR_SUCCESS;

@@ -49,6 +49,10 @@ public:
     static constexpr uint64_t kPathCheckMillis = 1000;
     static constexpr uint32_t kDefaultLockTimeoutMillis = 3000;
 
+    // Turns a file name as callers give it into a Unix path; returns an
+    // empty path and sets `error` when the name cannot name a file.
+    using Resolver = std::string (*)(const std::string& name, DWORD& error);
+
     struct Snapshot {
         std::shared_ptr<const ProfileText> text;  // never null; empty when the file is missing
         bool exists = false;                      // a readable regular file was found
@@ -58,28 +62,33 @@ public:
     // the file as it is.
     using Edit = std::function<std::optional<std::string>(const ProfileText&)>;
 
+    // The store of the process, resolving names with ProfileFilePath.
     static ProfileStore& Instance();
 
-    ProfileStore();
+    explicit ProfileStore(Resolver resolver);
     ~ProfileStore();
     ProfileStore(const ProfileStore&) = delete;
     ProfileStore& operator=(const ProfileStore&) = delete;
 
-    // The content of the file at `unix_path`. A missing, unreadable or
-    // non-regular file, or one of ProfileText::kMaxBytes or more, reads as
-    // an empty file with exists == false.
-    Snapshot Read(const std::string& unix_path);
+    // The content of the file called `name`. Resolving the name costs file
+    // system lookups, so it is done when the file is first read, while it
+    // is missing, and at the periodic check of the path. A missing,
+    // unreadable or non-regular file, or one of ProfileText::kMaxBytes or
+    // more, reads as an empty file with exists == false.
+    Snapshot Read(const std::string& name);
 
-    // Applies `edit` to the file at `unix_path` under its lock and returns
+    // Applies `edit` to the file called `name` under its lock and returns
     // ERROR_SUCCESS or a Win32 error code. A missing file is created (left
     // empty when the edit changes nothing, as Windows does for deletions);
     // its folder must exist. On failure the file is as it was before (a
     // file that this call created is removed again). Fails with
-    // ERROR_ACCESS_DENIED for a file without write permission bits (the
-    // read-only attribute) or a folder path, ERROR_PATH_NOT_FOUND when the
-    // folder is missing, ERROR_SHARING_VIOLATION when the lock stays held,
-    // ERROR_DISK_FULL when the disk is full.
-    DWORD Modify(const std::string& unix_path, const Edit& edit);
+    // ERROR_ACCESS_DENIED for a read-only file (no owner write permission)
+    // or a folder, ERROR_PATH_NOT_FOUND when the folder is missing,
+    // ERROR_SHARING_VIOLATION when the lock stays held, ERROR_DISK_FULL when
+    // the disk is full, or the error of the name's resolution. The DOS
+    // attributes kept beside the file (hidden, system, archive) move to the
+    // new file.
+    DWORD Modify(const std::string& name, const Edit& edit);
 
     // Forgets every cached file (closing its descriptor).
     void Clear();
@@ -98,13 +107,14 @@ private:
         bool operator==(const FileIdentity&) const = default;
     };
 
-    std::shared_ptr<CachedFile> Entry(const std::string& unix_path);
-    void Refresh(CachedFile& file, const std::string& unix_path);
-    void Load(CachedFile& file, const std::string& unix_path);
+    std::shared_ptr<CachedFile> Entry(const std::string& name);
+    void Refresh(CachedFile& file, const std::string& name);
+    void Load(CachedFile& file, const std::string& name);
     static FileIdentity IdentityOf(const struct stat& st);
     static bool IsRacy(const FileIdentity& identity, int64_t now);
 
     struct State;
+    Resolver resolver_;
     std::unique_ptr<State> state_;
 };
 

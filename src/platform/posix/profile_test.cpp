@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/profile_path.h"
+#include "platform/posix/dos_path.h"
 #include "platform/win32.h"
 #include "support/test_support.h"
 
@@ -572,7 +572,7 @@ TEST(ProfileWrite, FailuresAndFlush) {
 
 TEST(ProfileWrite, BareNamesLiveInTheWindowsFolder) {
     EXPECT_TRUE(WritePrivateProfileStringA("S", "k", "bare", "zqtest.ini"));
-    const std::string windows = zq::platform::internal::WindowsFolderPath();
+    const std::string windows = zq::platform::internal::WindowsFolderUnix();
     EXPECT_EQ(ReadFileBytes(windows + "/zqtest.ini"), "[S]\r\nk=bare\r\n");
     EXPECT_EQ(GetString("S", "k", "D", 64, "zqtest.ini").written, "bare\0"_b);
     EXPECT_EQ(GetString("S", "k", "D", 64, "C:\\windows\\zqtest.ini").written, "bare\0"_b);
