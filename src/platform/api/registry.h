@@ -180,6 +180,13 @@ ZQ_API LONG WINAPI RegDeleteValueA(HKEY hKey, LPCSTR lpValueName);
  * afterwards with ERROR_KEY_DELETED. */
 ZQ_API LONG WINAPI RegDeleteKeyA(HKEY hKey, LPCSTR lpSubKey);
 
+/* Removes everything below hKey\lpSubKey: its subkeys and values, and with
+ * a non-empty lpSubKey that key itself; lpSubKey NULL or "" keeps hKey and
+ * empties it. One transaction: when a key of the tree cannot be deleted (a
+ * key behind a predefined handle) nothing is, and the result is
+ * ERROR_ACCESS_DENIED. A missing key: ERROR_FILE_NOT_FOUND. */
+ZQ_API LONG WINAPI RegDeleteTreeA(HKEY hKey, LPCSTR lpSubKey);
+
 /* Closes a handle. Closing a predefined key succeeds and does nothing; a
  * handle that is not an open key gives ERROR_INVALID_HANDLE. */
 ZQ_API LONG WINAPI RegCloseKey(HKEY hKey);

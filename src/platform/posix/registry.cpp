@@ -438,6 +438,33 @@ LONG WINAPI RegDeleteKeyA(HKEY hKey, LPCSTR lpSubKey) {
     });
 }
 
+LONG WINAPI RegDeleteTreeA(HKEY hKey, LPCSTR lpSubKey) {
+    return Guarded([&]() -> LONG {
+        ResolvedKey parent;
+        if (LONG error = Resolve(hKey, parent)) {
+            return error;
+        }
+        KeyPath& path = ScratchPath();
+        if (LONG error = SplitKeyPath(lpSubKey, path)) {
+            return error;
+        }
+        Transaction write(*parent.db, Transaction::kWrite);
+        if (write.status() != ERROR_SUCCESS) {
+            return write.status();
+        }
+        RegistryStore store(*parent.db);
+        int64_t id = 0;
+        LONG error = store.OpenPath(parent.id, path, false, id);
+        if (error == ERROR_SUCCESS) {
+            error = store.DeleteTree(id, !path.names.empty());
+        }
+        if (error == ERROR_SUCCESS) {
+            error = write.Commit();
+        }
+        return error;
+    });
+}
+
 LONG WINAPI RegCloseKey(HKEY hKey) {
     if (!hKey) {
         return ERROR_INVALID_HANDLE;

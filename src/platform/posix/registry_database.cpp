@@ -52,6 +52,8 @@ const char* const kSql[] = {
     "UPDATE keys SET written = ?2 WHERE id = ?1",
     // kHasChildren
     "SELECT 1 FROM keys WHERE parent = ?1 LIMIT 1",
+    // kChildren
+    "SELECT id, flags FROM keys WHERE parent = ?1",
     // kDeleteKeyValues
     "DELETE FROM vals WHERE key = ?1",
     // kDeleteKeyRow

@@ -67,6 +67,7 @@ enum class Sql : unsigned {
     kInsertKey,        // ?1 parent, ?2 fold, ?3 name, ?4 class, ?5 flags, ?6 written
     kTouchKey,         // ?1 id, ?2 written
     kHasChildren,      // ?1 id -> 1
+    kChildren,         // ?1 id -> id, flags
     kDeleteKeyValues,  // ?1 id
     kDeleteKeyRow,     // ?1 id
     kGetValue,         // ?1 key, ?2 fold -> type, data

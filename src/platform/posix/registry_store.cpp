@@ -1,5 +1,7 @@
 #include "platform/posix/registry_store.h"
 
+#include <vector>
+
 namespace zq::platform::internal {
 
 LONG RegistryStore::Missing(int rc, int64_t key, LONG absent, const char* what) {
@@ -189,6 +191,53 @@ LONG RegistryStore::DeleteKey(int64_t id) {
     }
     Statement touch(db_, Sql::kTouchKey);
     touch.Bind(1, parent);
+    touch.Bind(2, RegistryTimeNow());
+    return touch.Run("update a key");
+}
+
+LONG RegistryStore::DeleteTree(int64_t id, bool itself) {
+    Statement row(db_, Sql::kKeyRow);
+    row.Bind(1, id);
+    int rc = row.Step();
+    if (rc != SQLITE_ROW) {
+        return rc == SQLITE_DONE ? ERROR_KEY_DELETED : db_.Failure(rc, "look up a key");
+    }
+    if (itself && (row.Int(0) & kKeyFixed)) {
+        return ERROR_ACCESS_DENIED;
+    }
+    int64_t parent = row.Int(3);
+    // The whole tree first, so that a fixed key stops it before any change.
+    std::vector<int64_t> tree{id};
+    for (size_t i = 0; i < tree.size(); ++i) {
+        Statement children(db_, Sql::kChildren);
+        children.Bind(1, tree[i]);
+        while ((rc = children.Step()) == SQLITE_ROW) {
+            if (children.Int(1) & kKeyFixed) {
+                return ERROR_ACCESS_DENIED;
+            }
+            tree.push_back(children.Int(0));
+        }
+        if (rc != SQLITE_DONE) {
+            return db_.Failure(rc, "list subkeys");
+        }
+    }
+    for (size_t i = 0; i < tree.size(); ++i) {
+        Statement values(db_, Sql::kDeleteKeyValues);
+        values.Bind(1, tree[i]);
+        if (LONG error = values.Run("delete values")) {
+            return error;
+        }
+        if (i == 0 && !itself) {
+            continue;
+        }
+        Statement key(db_, Sql::kDeleteKeyRow);
+        key.Bind(1, tree[i]);
+        if (LONG error = key.Run("delete a key")) {
+            return error;
+        }
+    }
+    Statement touch(db_, Sql::kTouchKey);
+    touch.Bind(1, itself ? parent : id);
     touch.Bind(2, RegistryTimeNow());
     return touch.Run("update a key");
 }

@@ -48,6 +48,10 @@ public:
     // or is a fixed key.
     LONG DeleteKey(int64_t id);
 
+    // Removes the subkeys and values below a key, and with `itself` the key
+    // too; nothing when a key of the tree is fixed (ERROR_ACCESS_DENIED).
+    LONG DeleteTree(int64_t id, bool itself);
+
     LONG WriteValue(int64_t key, std::string_view name, DWORD type, std::string_view data);
     LONG RemoveValue(int64_t key, std::string_view fold);
 

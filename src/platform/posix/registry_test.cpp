@@ -156,7 +156,9 @@ struct QueryCase {
     size_t data_size;
 };
 
-void PrintTo(const QueryCase& c, std::ostream* out) { *out << "buffer of " << c.size; }
+void PrintTo(const QueryCase& c, std::ostream* out) {
+    *out << "buffer of " << c.size;
+}
 
 class RegistryQueryBuffer : public RegistryTest, public ::testing::WithParamInterface<QueryCase> {};
 
@@ -561,6 +563,35 @@ TEST_F(RegistryTest, DeleteKeyRefusesKeysWithSubkeysAndPredefinedKeys) {
     EXPECT_EQ(RegDeleteKeyA(self, ""), ERROR_SUCCESS);
     RegCloseKey(self);
     EXPECT_EQ(SubkeyNames(root_), std::vector<std::string>{"child"});
+}
+
+TEST_F(RegistryTest, DeleteTreeTakesEverythingBelowAndKeepsAnEmptiedKey) {
+    HKEY sub = Create(root_, "subkey\\subkey2\\subkey3");
+    SetString(sub, "v", "deep");
+    RegCloseKey(sub);
+    RegCloseKey(Create(root_, "subkey\\other"));
+    HKEY key = Create(root_, "subkey");
+    SetString(key, nullptr, "data");
+    SetString(key, "value", "data2");
+    EXPECT_EQ(RegDeleteTreeA(key, "subkey2"), ERROR_SUCCESS);
+    EXPECT_EQ(SubkeyNames(key), std::vector<std::string>{"other"});
+    RegCloseKey(Create(key, "again\\and again"));
+    // NULL or "": the key stays, without subkeys and values.
+    EXPECT_EQ(RegDeleteTreeA(key, nullptr), ERROR_SUCCESS);
+    EXPECT_TRUE(SubkeyNames(key).empty());
+    EXPECT_TRUE(ValueNames(key).empty());
+    EXPECT_EQ(RegDeleteTreeA(key, ""), ERROR_SUCCESS);
+    RegCloseKey(key);
+    EXPECT_EQ(SubkeyNames(root_), std::vector<std::string>{"subkey"});
+    EXPECT_EQ(RegDeleteTreeA(root_, "not-here"), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegDeleteTreeA(root_, "subkey"), ERROR_SUCCESS);
+    EXPECT_TRUE(SubkeyNames(root_).empty());
+    // Keys behind predefined handles stop it before anything changes.
+    EXPECT_EQ(RegDeleteTreeA(HKEY_LOCAL_MACHINE, "SOFTWARE"), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(RegDeleteTreeA(HKEY_USERS, nullptr), ERROR_ACCESS_DENIED);
+    HKEY still = nullptr;
+    EXPECT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, path_.c_str(), 0, KEY_READ, &still), ERROR_SUCCESS);
+    RegCloseKey(still);
 }
 
 TEST_F(RegistryTest, HandlesOfADeletedKeyReportKeyDeleted) {
