@@ -9,12 +9,18 @@
  *
  * VerQueryValueA answers "\" (the VS_FIXEDFILEINFO), "\VarFileInfo\Translation"
  * (language/code-page pairs) and "\StringFileInfo\<lang><cp>\<name>"
- * (a text; the length counts the terminator). Keys compare without regard
+ * (a text; the length counts the terminator). The length of a binary
+ * value is the stored one, cut to the bytes its node holds. Keys compare without regard
  * to case; empty path components are skipped. A path that names a block
  * rather than a value succeeds with length 0 and the last error
  * ERROR_INVALID_PARAMETER, as Windows does. A missing entry fails with
  * ERROR_RESOURCE_TYPE_NOT_FOUND, sets *puLen to 0 and leaves *lplpBuffer
- * untouched. */
+ * untouched.
+ *
+ * pBlock must hold the whole block (its first word gives its length) and
+ * four bytes more: VerQueryValueA looks there for the signature to know
+ * whether the room for ANSI texts exists. Without it, the texts it returns
+ * are copies kept for the life of the process. */
 #ifndef ZQ_PLATFORM_API_VERSION_H
 #define ZQ_PLATFORM_API_VERSION_H
 

@@ -125,7 +125,7 @@ BOOL WINAPI VerQueryValueA(LPCVOID pBlock, LPCSTR lpSubBlock, LPVOID* lplpBuffer
     if (!IsWideVersionBlock(block) || !node.text) {
         *lplpBuffer = const_cast<uint8_t*>(base + node.value_offset);
         if (puLen)
-            *puLen = node.value_length;
+            *puLen = static_cast<UINT>(node.value_bytes);  // a length past the node is cut to the node
         return TRUE;
     }
 

@@ -182,13 +182,31 @@ TEST(VersionInfo, TranslationOfTheGoldenBlock) {
 }
 
 TEST(VersionInfo, WithoutTheRoomBehindTheBlockTextsStillComeBack) {
-    std::string block = GoldenBlock();  // exactly the block: no signature, no room
+    // The block as a resource holds it (no signature behind it, as after
+    // LockResource of an RT_VERSION resource): texts come from elsewhere.
+    std::string block = GoldenBlock() + std::string(4, '\0');
+    const std::string before = block;
     void* pointer = nullptr;
     UINT length = 0;
-    ASSERT_TRUE(
-        VerQueryValueA(block.data(), "\\StringFileInfo\\040904E4\\ProductName", &pointer, &length));
+    ASSERT_TRUE(VerQueryValueA(block.data(), "\\StringFileInfo\\040904E4\\ProductName", &pointer, &length));
     EXPECT_EQ(length, 13u);
     EXPECT_STREQ(static_cast<const char*>(pointer), "Oracle Probe");
+    EXPECT_EQ(block, before);  // nothing written into the caller's block
+}
+
+TEST(VersionInfo, BinaryLengthsAreCutToTheirNode) {
+    // A root that claims a 0xF834-byte value: the answer stays inside the block.
+    std::vector<uint8_t> buffer(1524, 0);
+    std::string block = GoldenBlock();
+    std::memcpy(buffer.data(), block.data(), block.size());
+    std::memcpy(buffer.data() + 760, "FE2X", 4);
+    buffer[2] = 0x34;
+    buffer[3] = 0xF8;
+    void* pointer = nullptr;
+    UINT length = 0;
+    ASSERT_TRUE(VerQueryValueA(buffer.data(), "\\", &pointer, &length));
+    EXPECT_EQ(static_cast<uint8_t*>(pointer) - buffer.data(), 40);
+    EXPECT_EQ(length, 760u - 40u);
 }
 
 TEST(VersionInfo, FilesWithoutABlock) {
