@@ -91,6 +91,7 @@ typedef void* LPVOID;
 typedef const void* LPCVOID;
 typedef CHAR* PCHAR;
 typedef CHAR* LPCH;
+typedef const CHAR* LPCCH;
 typedef CHAR* PSTR;
 typedef CHAR* LPSTR;
 typedef const CHAR* PCSTR;

@@ -87,12 +87,19 @@ DWORD WriteDosAttributes(const std::string& unix_path, DWORD attributes) {
     mode_t wanted = (attributes & FILE_ATTRIBUTE_READONLY)
                         ? mode & ~static_cast<mode_t>(S_IWUSR | S_IWGRP | S_IWOTH)
                         : mode | S_IWUSR;
+    // Extended attributes need write permission: they are stored while the
+    // file is still (or already) writable. The file system may refuse them:
+    // the bits are then not kept, and that is not an error.
+    const bool to_read_only = (wanted & S_IWUSR) == 0;
+    if (to_read_only) {
+        StoreKeptBits(unix_path, attributes & kKeptAttributeBits);
+    }
     if (wanted != mode && chmod(unix_path.c_str(), wanted) != 0) {
         return Win32ErrorFromErrno(errno, unix_path);
     }
-    // The file system may refuse user extended attributes: the bits are
-    // then not kept, and that is not an error.
-    StoreKeptBits(unix_path, attributes & kKeptAttributeBits);
+    if (!to_read_only) {
+        StoreKeptBits(unix_path, attributes & kKeptAttributeBits);
+    }
     return 0;
 }
 
