@@ -55,6 +55,7 @@ typedef int16_t SHORT;
 typedef uint16_t USHORT;
 typedef char CHAR;
 typedef unsigned char UCHAR;
+typedef UCHAR* PUCHAR;
 typedef uint16_t WCHAR;
 typedef int64_t LONGLONG;
 typedef uint64_t ULONGLONG;
