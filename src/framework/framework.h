@@ -4,8 +4,10 @@
 #pragma once
 
 #include "framework/arrays.h"
+#include "framework/cfile.h"
 #include "framework/cmd_target.h"
 #include "framework/cstring.h"
+#include "framework/ctime.h"
 #include "framework/exceptions.h"
 #include "framework/extension_module.h"
 #include "framework/lists.h"
