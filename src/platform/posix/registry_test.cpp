@@ -18,6 +18,12 @@
 
 namespace {
 
+// A string literal with every byte written in it, NULs included.
+template <size_t N>
+std::string Lit(const char (&text)[N]) {
+    return std::string(text, N - 1);
+}
+
 using zq::platform::internal::CloseRegistryConnectionForTesting;
 using zq::platform::internal::RegistryDatabasePath;
 
@@ -231,13 +237,13 @@ TEST_F(RegistryTest, StringsKeepTheirBytesAndTheUncountedTerminatorQuirk) {
         std::string stored;
     };
     const Case cases[] = {
-        {"NoTerm", REG_SZ, "abc", 3, std::string("abc\0", 4)},  // NUL after the data: stored too
-        {"Cut", REG_SZ, "abcd", 3, "abc"},                      // no NUL after: three bytes
-        {"Zero", REG_SZ, "", 0, ""},                            // nothing at all
-        {"EmbNul", REG_SZ, "ab\0cd", 6, std::string("ab\0cd\0", 6)},  // inner NUL kept
-        {"Multi", REG_MULTI_SZ, "a\0bc\0", 6, std::string("a\0bc\0\0", 6)},
-        {"MultiCut", REG_MULTI_SZ, "a\0bcd", 4, std::string("a\0bc", 4)},
-        {"Expand", REG_EXPAND_SZ, "%TEMP%\\x", 8, std::string("%TEMP%\\x\0", 9)},
+        {"NoTerm", REG_SZ, "abc", 3, Lit("abc\0")},        // NUL after the data: stored too
+        {"Cut", REG_SZ, "abcd", 3, "abc"},                 // no NUL after: three bytes
+        {"Zero", REG_SZ, "", 0, ""},                       // nothing at all
+        {"EmbNul", REG_SZ, "ab\0cd", 6, Lit("ab\0cd\0")},  // inner NUL kept
+        {"Multi", REG_MULTI_SZ, "a\0bc\0", 6, Lit("a\0bc\0\0")},
+        {"MultiCut", REG_MULTI_SZ, "a\0bcd", 4, Lit("a\0bc")},
+        {"Expand", REG_EXPAND_SZ, "%TEMP%\\x", 8, Lit("%TEMP%\\x\0")},
         {"Bin", REG_BINARY, "\x01\x02", 2, "\x01\x02"},  // not a string: no quirk
     };
     for (const Case& c : cases) {
@@ -255,7 +261,7 @@ TEST_F(RegistryTest, StringsKeepTheirBytesAndTheUncountedTerminatorQuirk) {
     DWORD size = 4;
     EXPECT_EQ(RegQueryValueExA(root_, "Cut", nullptr, nullptr, buffer, &size), ERROR_SUCCESS);
     EXPECT_EQ(size, 3u);
-    EXPECT_EQ(Bytes(buffer, 5), std::string("abc\0~", 5));
+    EXPECT_EQ(Bytes(buffer, 5), Lit("abc\0~"));
     std::memset(buffer, kFill, sizeof buffer);
     size = 3;
     EXPECT_EQ(RegQueryValueExA(root_, "Cut", nullptr, nullptr, buffer, &size), ERROR_SUCCESS);
@@ -265,7 +271,7 @@ TEST_F(RegistryTest, StringsKeepTheirBytesAndTheUncountedTerminatorQuirk) {
     size = 6;
     EXPECT_EQ(RegQueryValueExA(root_, "MultiCut", nullptr, nullptr, buffer, &size), ERROR_SUCCESS);
     EXPECT_EQ(size, 4u);
-    EXPECT_EQ(Bytes(buffer, 6), std::string("a\0bc\0~", 6));
+    EXPECT_EQ(Bytes(buffer, 6), Lit("a\0bc\0~"));
     // An empty string leaves the buffer alone.
     std::memset(buffer, kFill, sizeof buffer);
     size = sizeof buffer;
@@ -307,19 +313,19 @@ TEST_F(RegistryTest, DwordDataOfAnySizeIsKept) {
 TEST_F(RegistryTest, DefaultValueIsNamedByNullOrEmpty) {
     EXPECT_EQ(Query(root_, nullptr), "<error 2>");
     SetString(root_, "", "dflt");
-    EXPECT_EQ(Query(root_, nullptr), std::string("dflt\0", 5));
+    EXPECT_EQ(Query(root_, nullptr), Lit("dflt\0"));
     SetString(root_, nullptr, "other");
-    EXPECT_EQ(Query(root_, ""), std::string("other\0", 6));
+    EXPECT_EQ(Query(root_, ""), Lit("other\0"));
     EXPECT_EQ(RegDeleteValueA(root_, nullptr), ERROR_SUCCESS);
     EXPECT_EQ(Query(root_, ""), "<error 2>");
 }
 
 TEST_F(RegistryTest, NamesIgnoreCaseAndKeepTheFirstSpelling) {
     SetString(root_, "Str", "hello");
-    EXPECT_EQ(Query(root_, "STR"), std::string("hello\0", 6));
+    EXPECT_EQ(Query(root_, "STR"), Lit("hello\0"));
     SetString(root_, "sTR", "HELLO");
     EXPECT_EQ(ValueNames(root_), std::vector<std::string>{"Str"});
-    EXPECT_EQ(Query(root_, "str"), std::string("HELLO\0", 6));
+    EXPECT_EQ(Query(root_, "str"), Lit("HELLO\0"));
 
     HKEY key = Create(root_, "MixedCase");
     RegCloseKey(key);
@@ -391,7 +397,7 @@ TEST_F(RegistryTest, EnumKeyLeavesNameAndSizeAloneWhenTooSmall) {
     EXPECT_EQ(RegEnumKeyExA(root_, 0, name, &size, nullptr, nullptr, nullptr, &written),
               ERROR_SUCCESS);
     EXPECT_EQ(size, 2u);
-    EXPECT_EQ(Bytes(name, 4), std::string("a1\0~", 4));
+    EXPECT_EQ(Bytes(name, 4), Lit("a1\0~"));
     EXPECT_NE(written.dwHighDateTime, 0u);
     std::memset(name, kFill, sizeof name);
     EXPECT_EQ(RegEnumKeyA(root_, 0, name, 2), ERROR_MORE_DATA);
@@ -417,7 +423,7 @@ TEST_F(RegistryTest, EnumValueCutsTheNameButNotTheData) {
     EXPECT_EQ(RegEnumValueA(root_, 0, name, &cch, nullptr, nullptr, nullptr, nullptr),
               ERROR_MORE_DATA);
     EXPECT_EQ(cch, 2u);
-    EXPECT_EQ(Bytes(name, 3), std::string("_\0~", 3));
+    EXPECT_EQ(Bytes(name, 3), Lit("_\0~"));
     // Data too small: name and data untouched, size and type told.
     std::memset(name, kFill, sizeof name);
     std::memset(data, kFill, sizeof data);
@@ -434,7 +440,7 @@ TEST_F(RegistryTest, EnumValueCutsTheNameButNotTheData) {
     cb = sizeof data;
     EXPECT_EQ(RegEnumValueA(root_, 0, name, &cch, nullptr, &type, data, &cb), ERROR_SUCCESS);
     EXPECT_EQ(cch, 2u);
-    EXPECT_EQ(Bytes(name, 3), std::string("_x\0", 3));
+    EXPECT_EQ(Bytes(name, 3), Lit("_x\0"));
     EXPECT_EQ(Bytes(data, cb), Bytes("\x04\0\0\0", 4));
     // Past the end, and the required pointers.
     cch = sizeof name;
@@ -483,7 +489,7 @@ TEST_F(RegistryTest, SixteenBitDefaultValues) {
     std::memset(buffer, kFill, sizeof buffer);
     EXPECT_EQ(RegQueryValueA(root_, nullptr, buffer, &size), ERROR_SUCCESS);  // no default: ""
     EXPECT_EQ(size, 1);
-    EXPECT_EQ(Bytes(buffer, 2), std::string("\0~", 2));
+    EXPECT_EQ(Bytes(buffer, 2), Lit("\0~"));
     size = sizeof buffer;
     EXPECT_EQ(RegQueryValueA(root_, "MissingSub", buffer, &size), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(size, static_cast<LONG>(sizeof buffer));
@@ -509,7 +515,7 @@ TEST_F(RegistryTest, SixteenBitDefaultValues) {
     EXPECT_EQ(RegQueryValueA(root_, "DEEP\\er", buffer, &size), ERROR_SUCCESS);
     EXPECT_EQ(size, 2);
     EXPECT_EQ(RegSetValueA(root_, nullptr, REG_SZ, "rootdflt", 0), ERROR_SUCCESS);
-    EXPECT_EQ(Query(root_, nullptr), std::string("rootdflt\0", 9));
+    EXPECT_EQ(Query(root_, nullptr), Lit("rootdflt\0"));
     EXPECT_EQ(RegSetValueA(root_, "DwordSub", REG_DWORD, "1234", 4), ERROR_INVALID_PARAMETER);
     EXPECT_EQ(RegSetValueA(root_, "NullData", REG_SZ, nullptr, 0), ERROR_INVALID_PARAMETER);
 
@@ -763,13 +769,13 @@ TEST_F(RegistryTest, QueryInfoCountsAndMeasures) {
                                nullptr, nullptr, nullptr, nullptr, nullptr),
               ERROR_MORE_DATA);
     EXPECT_EQ(class_length, 0u);
-    EXPECT_EQ(Bytes(buffer, 2), std::string("\0~", 2));
+    EXPECT_EQ(Bytes(buffer, 2), Lit("\0~"));
     class_length = 12;
     EXPECT_EQ(RegQueryInfoKeyA(key, buffer, &class_length, nullptr, nullptr, nullptr, nullptr,
                                nullptr, nullptr, nullptr, nullptr, nullptr),
               ERROR_MORE_DATA);
     EXPECT_EQ(class_length, 11u);
-    EXPECT_EQ(Bytes(buffer, 13), std::string("subkey clas\0~", 13));
+    EXPECT_EQ(Bytes(buffer, 13), Lit("subkey clas\0~"));
     class_length = 13;
     EXPECT_EQ(RegQueryInfoKeyA(key, buffer, &class_length, nullptr, nullptr, nullptr, nullptr,
                                nullptr, nullptr, nullptr, nullptr, nullptr),
