@@ -91,6 +91,22 @@ int RunCrasher() {
     }
 }
 
+// Child "locker": takes the database's write lock, says so, and keeps it
+// until it is killed.
+int RunLocker() {
+    sqlite3* db = nullptr;
+    if (sqlite3_open(RegistryDatabasePath().c_str(), &db) != SQLITE_OK ||
+        sqlite3_exec(db, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr) != SQLITE_OK) {
+        return 2;
+    }
+    if (write(STDOUT_FILENO, "locked\n", 7) != 7) {
+        return 3;
+    }
+    for (;;) {
+        pause();
+    }
+}
+
 int RunChildIfAsked() {
     const char* role = std::getenv("ZQ_REGISTRY_CHILD");
     if (!role) {
@@ -104,6 +120,8 @@ int RunChildIfAsked() {
         rc = RunWriter(id, count);
     } else if (std::strcmp(role, "crasher") == 0) {
         rc = RunCrasher();
+    } else if (std::strcmp(role, "locker") == 0) {
+        rc = RunLocker();
     }
     std::fflush(nullptr);
     _exit(rc);
@@ -332,6 +350,42 @@ TEST_F(RegistryProcesses, LockedDatabaseFailsAfterTheBusyTimeoutInsteadOfHanging
               ERROR_SUCCESS);
     EXPECT_EQ(read, 2u);
     RegCloseKey(key);
+}
+
+TEST_F(RegistryProcesses, DatabaseLockedByAnotherProcessFailsWritesAfterTheTimeout) {
+    HKEY key = nullptr;
+    ASSERT_EQ(RegCreateKeyA(HKEY_CURRENT_USER, kSharedKey, &key), ERROR_SUCCESS);
+    DWORD value = 1;
+    ASSERT_EQ(RegSetValueExA(key, "v", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value), 4),
+              ERROR_SUCCESS);
+    int pipe_fds[2];
+    ASSERT_EQ(pipe(pipe_fds), 0);
+    pid_t pid = SpawnChild("locker", pipe_fds[1]);
+    close(pipe_fds[1]);
+    ASSERT_GT(pid, 0);
+    char said[8] = {};
+    ASSERT_EQ(read(pipe_fds[0], said, 7), 7);
+    ASSERT_STREQ(said, "locked\n");
+    SetRegistryBusyTimeoutForTesting(200);
+    value = 2;
+    EXPECT_EQ(RegSetValueExA(key, "v", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value), 4),
+              ERROR_REGISTRY_IO_FAILED);
+    EXPECT_EQ(RegDeleteValueA(key, "v"), ERROR_REGISTRY_IO_FAILED);
+    DWORD read_back = 0;
+    DWORD size = sizeof read_back;
+    EXPECT_EQ(
+        RegQueryValueExA(key, "v", nullptr, nullptr, reinterpret_cast<BYTE*>(&read_back), &size),
+        ERROR_SUCCESS);
+    EXPECT_EQ(read_back, 1u);
+    // The lock dies with its process.
+    kill(pid, SIGKILL);
+    WaitForExit(pid);
+    close(pipe_fds[0]);
+    SetRegistryBusyTimeoutForTesting(0);
+    EXPECT_EQ(RegSetValueExA(key, "v", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value), 4),
+              ERROR_SUCCESS);
+    RegCloseKey(key);
+    EXPECT_EQ(IntegrityCheck(), "ok");
 }
 
 }  // namespace
