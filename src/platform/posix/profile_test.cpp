@@ -148,9 +148,10 @@ const LookupCase kLookups[] = {
     {kQuotes, "Q", nullptr, "D", 256, 51,
      "d\0s\0mix\0pad\0out\0lone\0empty\0inner\0lead\0trail\0\"qkey\"\0\0"_b},
     {kQuotes, "Q", "missing", "\"qdef\"", 64, 4, "qdef\0"_b},
-    {kComments, "C", ";semi", "D", 64, 1, "D\0"_b},
+    {kComments, "C", ";semi", "D", 64, 1, "1\0"_b},  // found by its exact name, never listed
     {kComments, "C", "#hash", "D", 64, 1, "2\0"_b},
-    {kComments, "C", "; indented", "D", 64, 1, "D\0"_b},
+    {kComments, "C", "; indented", "D", 64, 1, "3\0"_b},
+    {kComments, "C", "semi", "D", 64, 1, "D\0"_b},
     {kComments, "C", "real", "D", 64, 20, "4 ; trailing comment\0"_b},
     {kComments, "C", "//slash", "D", 64, 1, "5\0"_b},
     {kComments, "C", "last", "D", 64, 1, "7\0"_b},

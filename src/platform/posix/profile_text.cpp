@@ -142,8 +142,8 @@ bool ProfileText::ShiftFrom(const ProfileText& base) {
                          [](size_t offset, const Line& line) { return offset < line.begin; });
     const size_t l = static_cast<size_t>(after - base.lines_.begin()) - 1;
     const Line& old_line = base.lines_[l];
-    if (old_line.kind != LineKind::kEntry || prefix <= old_line.name_end ||
-        old_end > old_line.end || std::memchr(bytes_.data() + prefix, '\r', new_end - prefix) ||
+    if (!HasKey(old_line) || prefix <= old_line.name_end || old_end > old_line.end ||
+        std::memchr(bytes_.data() + prefix, '\r', new_end - prefix) ||
         std::memchr(bytes_.data() + prefix, '\n', new_end - prefix)) {
         return false;
     }
@@ -154,7 +154,7 @@ bool ProfileText::ShiftFrom(const ProfileText& base) {
     line.name_begin =
         old_line.begin == 0 && bytes_.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : old_line.begin;
     ParseLine(line);
-    if (line.kind != LineKind::kEntry || line.name_begin != old_line.name_begin ||
+    if (line.kind != old_line.kind || !HasKey(line) || line.name_begin != old_line.name_begin ||
         line.name_end != old_line.name_end) {
         return false;  // the change reached the key: its index entry may differ
     }
@@ -248,10 +248,6 @@ void ProfileText::ParseLine(Line& line) const {
         line.kind = LineKind::kBlank;
         return;
     }
-    if (data[begin] == ';') {
-        line.kind = LineKind::kComment;
-        return;
-    }
     auto trim = [&](uint32_t& from, uint32_t& to) {
         while (from < to && IsProfileBlank(data[from])) {
             ++from;
@@ -270,7 +266,12 @@ void ProfileText::ParseLine(Line& line) const {
             return;
         }
     }
+    const bool comment = data[begin] == ';';
     const void* equals = std::memchr(data + begin, '=', end - begin);
+    if (comment && !equals) {
+        line.kind = LineKind::kComment;
+        return;
+    }
     if (!equals) {
         line.kind = LineKind::kBare;
         line.name_begin = begin;
@@ -279,7 +280,7 @@ void ProfileText::ParseLine(Line& line) const {
         return;
     }
     const uint32_t eq = static_cast<uint32_t>(static_cast<const char*>(equals) - data);
-    line.kind = LineKind::kEntry;
+    line.kind = comment ? LineKind::kComment : LineKind::kEntry;
     line.name_begin = begin;
     line.name_end = eq;
     trim(line.name_begin, line.name_end);
@@ -294,7 +295,7 @@ void ProfileText::BuildIndex() {
     const size_t section_mask = index->sections.size() - 1;
     size_t entries = 0;
     for (const Line& line : lines_) {
-        entries += line.kind == LineKind::kEntry && line.name_end > line.name_begin;
+        entries += HasKey(line);
     }
     index->entries.assign(SlotCount(entries), Slot{0, kNone});
     const size_t entry_mask = index->entries.size() - 1;
@@ -313,7 +314,7 @@ void ProfileText::BuildIndex() {
         }
         for (uint32_t l = (*sections_)[s].header + 1; l < (*sections_)[s].end; ++l) {
             const Line& line = lines_[l];
-            if (line.kind != LineKind::kEntry || line.name_end == line.name_begin) {
+            if (!HasKey(line)) {
                 continue;
             }
             const std::string_view key = Name(line);

@@ -7,7 +7,9 @@
 //   (';' first), a section header ('[' name ']'; text after the last ']' is
 //   ignored, a '[' without ']' is ordinary text), an entry (name '=' value,
 //   split at the first '='), or bare text without '='. Bare text is listed
-//   by GetPrivateProfileSection but is never found as a key.
+//   by GetPrivateProfileSection but is never found as a key. A comment
+//   with '=' has a key and value like an entry and is found by its exact
+//   key (";name"), but it is never listed.
 // - Names and values are trimmed of blanks (space, tab, CR, LF, VT, FF and
 //   Ctrl-Z); quotes around values are kept here (the API layer strips them).
 // - A NUL byte ends the readable text of its line, as it ends a C string.
@@ -41,15 +43,22 @@ public:
         uint32_t begin;  // first byte of the line
         uint32_t end;    // one past the last byte before the line end
         uint32_t next;   // first byte of the next line (end + 0, 1 or 2)
-        // Section name (kSection), key (kEntry) or the text (kBare), trimmed.
+        // Section name (kSection), key (kEntry, kComment with '=') or the
+        // text (kBare), trimmed.
         uint32_t name_begin;
         uint32_t name_end;
-        // Value of a kEntry, trimmed, quotes kept; value_begin is just after
-        // the blanks that follow '='.
+        // Value of a line with a key, trimmed, quotes kept; value_begin is
+        // just after the blanks that follow '='.
         uint32_t value_begin;
         uint32_t value_end;
         LineKind kind;
     };
+
+    // Whether lookups find `line` by a key.
+    static bool HasKey(const Line& line) {
+        return (line.kind == LineKind::kEntry || line.kind == LineKind::kComment) &&
+               line.name_end > line.name_begin;
+    }
 
     struct Section {
         uint32_t header;  // index of the header line
@@ -88,8 +97,9 @@ public:
     // around `name` ignored, case ignored), or kNone.
     uint32_t FindSection(std::string_view name) const;
 
-    // Index into lines() of the first kEntry called `key` (trimmed, case
-    // ignored) in section `section` (an index from FindSection), or kNone.
+    // Index into lines() of the first line with a key called `key`
+    // (trimmed, case ignored) in section `section` (an index from
+    // FindSection), or kNone.
     // An empty key is never found.
     uint32_t FindEntry(uint32_t section, std::string_view key) const;
 

@@ -25,7 +25,8 @@ struct LineCase {
 const LineCase kLines[] = {
     {"", Kind::kBlank, "", ""},
     {" \t\x1a ", Kind::kBlank, "", ""},
-    {"; c=1", Kind::kComment, "", ""},
+    {"; c=1", Kind::kComment, "; c", "1"},  // found as "; c", never listed
+    {"; c", Kind::kComment, "", ""},
     {"  ;[S]", Kind::kComment, "", ""},
     {"#k=v", Kind::kEntry, "#k", "v"},
     {"[S]", Kind::kSection, "S", ""},
@@ -53,7 +54,9 @@ TEST(ProfileTextLines, Kinds) {
 }
 
 TEST(ProfileTextLines, CaseFoldingCoversWindows1252Letters) {
-    ProfileText text("[\xC9t\xE9]\r\n\x8A" "a=1\r\n");
+    ProfileText text(
+        "[\xC9t\xE9]\r\n\x8A"
+        "a=1\r\n");
     const uint32_t section = text.FindSection("\xE9T\xC9");
     ASSERT_NE(section, ProfileText::kNone);
     EXPECT_NE(text.FindEntry(section,
