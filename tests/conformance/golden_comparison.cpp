@@ -26,6 +26,27 @@ void CutLines(std::vector<std::string>& lines, const std::vector<std::string>& m
     }
 }
 
+void SkipWords(std::vector<std::string>& lines, const std::vector<std::string>& markers) {
+    for (std::string& line : lines) {
+        for (const std::string& marker : markers) {
+            size_t at = 0;
+            while (!marker.empty() && (at = line.find(marker, at)) != std::string::npos) {
+                if (at > 0 && line[at - 1] != ' ') {
+                    at += marker.size();
+                    continue;
+                }
+                size_t end = line.find(' ', at);
+                if (end == std::string::npos) {
+                    end = line.size();
+                }
+                const size_t begin = at > 0 ? at - 1 : at;
+                line.erase(begin, end - begin);
+                at = begin;
+            }
+        }
+    }
+}
+
 // Positions where `block` occurs in `lines`.
 std::vector<size_t> FindBlock(const std::vector<std::string>& lines,
                               const std::vector<std::string>& block) {
@@ -131,6 +152,8 @@ bool ParseKnownDifferences(std::string_view text, std::vector<KnownDifference>* 
         KnownDifference& entry = out->back();
         if (StartsWith(line, "cut: ")) {
             entry.cuts.push_back(line.substr(5));
+        } else if (StartsWith(line, "skip: ")) {
+            entry.skips.push_back(line.substr(6));
         } else if (line == "-" || StartsWith(line, "- ")) {
             if (!entry.ours.empty()) {
                 return fail("\"-\" lines must come before the \"+\" lines");
@@ -143,9 +166,9 @@ bool ParseKnownDifferences(std::string_view text, std::vector<KnownDifference>* 
         }
     }
     for (const KnownDifference& entry : *out) {
-        if (entry.cuts.empty() && entry.golden.empty()) {
+        if (entry.cuts.empty() && entry.skips.empty() && entry.golden.empty()) {
             number = entry.line;
-            return fail("entry has neither \"cut:\" nor \"-\" lines");
+            return fail("entry has no \"cut:\", \"skip:\" or \"-\" lines");
         }
     }
     return true;
@@ -158,11 +181,15 @@ std::vector<std::string> CompareWithGolden(std::string_view golden, std::string_
     std::vector<std::string> got = SplitLines(actual);
 
     std::vector<std::string> markers;
+    std::vector<std::string> skips;
     for (const KnownDifference& entry : differences) {
         markers.insert(markers.end(), entry.cuts.begin(), entry.cuts.end());
+        skips.insert(skips.end(), entry.skips.begin(), entry.skips.end());
     }
     CutLines(expected, markers);
     CutLines(got, markers);
+    SkipWords(expected, skips);
+    SkipWords(got, skips);
 
     for (const KnownDifference& entry : differences) {
         if (entry.golden.empty()) {

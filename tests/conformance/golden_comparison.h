@@ -7,13 +7,18 @@
 //   # comment
 //   reason: why this entry exists (one line)
 //   cut: <marker>        every line of both texts ends before <marker>
+//   skip: <marker>       every line of both texts loses the words that
+//                        start with <marker> (up to the next blank), and
+//                        the blank before each
 //   - <golden line>      these consecutive golden lines ...
 //   + <our line>         ... are expected as these lines instead
 //
-// An entry has a reason and either cuts or a "-" block (the "+" block may
+// An entry has a reason and cuts, skips or a "-" block (the "+" block may
 // be empty: the lines are then not expected at all). Text after "- ",
-// "+ " and "cut: " is taken verbatim, leading blanks included. A "-" block
-// must match the golden text exactly once, so stale entries are noticed.
+// "+ ", "cut: " and "skip: " is taken verbatim, leading blanks included.
+// Cuts and skips apply before the blocks, so blocks are written without
+// what they remove. A "-" block must match the golden text exactly once,
+// so stale entries are noticed.
 #pragma once
 
 #include <string>
@@ -25,6 +30,7 @@ namespace zq::conformance {
 struct KnownDifference {
     std::string reason;
     std::vector<std::string> cuts;
+    std::vector<std::string> skips;
     std::vector<std::string> golden;
     std::vector<std::string> ours;
     int line = 0;  // where the entry starts in its file

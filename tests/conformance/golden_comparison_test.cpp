@@ -48,6 +48,21 @@ TEST(CompareWithGolden, AppliesCutsAndReplacements) {
     EXPECT_TRUE(CompareWithGolden("a | tail 1\nb\nc\nd\n", "a | tail 2\nB\nd\n", entries).empty());
 }
 
+TEST(CompareWithGolden, SkipsWordsBeforeReplacements) {
+    auto entries = Parse(
+        "reason: r1\nskip: le=\n"
+        "reason: r2\n- f() -> 0 buf=\"x\"\n+ f() -> 1 buf=\"x\"\n");
+    EXPECT_EQ(entries[0].skips, std::vector<std::string>{"le="});
+    EXPECT_TRUE(CompareWithGolden("g() -> 1 le=0 buf=\"a le=b\"\nf() -> 0 le=87 buf=\"x\"\nle=2\n",
+                                  "g() -> 1 le=- buf=\"a le=b\"\nf() -> 1 le=- buf=\"x\"\n\n",
+                                  entries)
+                    .empty());
+    // Only whole words are skipped: "buf=\"ale=\"" keeps its text.
+    EXPECT_EQ(
+        CompareWithGolden("buf=\"ale=1\"\n", "buf=\"ale=2\"\n", Parse("reason: r\nskip: le=\n")),
+        (std::vector<std::string>{"-1: buf=\"ale=1\"", "+1: buf=\"ale=2\""}));
+}
+
 TEST(CompareWithGolden, ReportsMismatchesAndMissingLines) {
     auto problems = CompareWithGolden("a\nb\nc\nd\n", "a\nx\nc\n", {});
     EXPECT_EQ(problems, (std::vector<std::string>{"-2: b", "+2: x", "-4: d"}));

@@ -11,6 +11,7 @@
 
 #include <stdarg.h>
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 
 #include "platform/win32.h"
@@ -130,7 +131,31 @@ static int zq_probe_sprintf(char *out, const char *format, ...)
     return n;
 }
 
+/* fopen of a DOS path, as the Windows runtime takes it: C: is the prefix's
+ * drive_c folder and Z: the Unix root, '\\' separates; other names pass as
+ * they are. Names are not matched without regard to case. */
+static FILE *zq_probe_fopen(const char *path, const char *mode)
+{
+    char unix_path[4096];
+    const char *rest = path;
+    int used = 0;
+    if ((path[0] == 'C' || path[0] == 'c') && path[1] == ':') {
+        const char *prefix = getenv("ZQ_PREFIX");
+        used = snprintf(unix_path, sizeof unix_path, "%s/drive_c", prefix ? prefix : ".");
+        rest = path + 2;
+    } else if ((path[0] == 'Z' || path[0] == 'z') && path[1] == ':') {
+        rest = path + 2;
+    } else if (!strchr(path, '\\')) {
+        return fopen(path, mode);
+    }
+    if (used < 0 || used >= (int)sizeof unix_path) return NULL;
+    for (; *rest && used + 1 < (int)sizeof unix_path; ++rest) unix_path[used++] = *rest == '\\' ? '/' : *rest;
+    unix_path[used] = 0;
+    return fopen(unix_path, mode);
+}
+
 #define printf zq_probe_printf
 #define sprintf zq_probe_sprintf
+#define fopen zq_probe_fopen
 
 #endif /* ZQ_CONFORMANCE_SHIM_WINDOWS_H */
