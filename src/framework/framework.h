@@ -8,6 +8,7 @@
 #include "framework/cmd_target.h"
 #include "framework/cstring.h"
 #include "framework/ctime.h"
+#include "framework/dc.h"
 #include "framework/exceptions.h"
 #include "framework/extension_module.h"
 #include "framework/lists.h"
