@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -139,7 +140,11 @@ TEST_F(Listing, PatternsAreCaseBlindAndEitherSeparatorWorks) {
 
 TEST(FindFirstFileA, DriveRootsHaveNoDotEntries) {
     std::vector<std::string> names = List("C:\\*");
-    EXPECT_EQ(names, (std::vector<std::string>{"temp", "windows"}));
+    ASSERT_GE(names.size(), 2u);
+    EXPECT_NE(names[0], ".");
+    EXPECT_NE(std::find(names.begin(), names.end(), "temp"), names.end());
+    EXPECT_NE(std::find(names.begin(), names.end(), "windows"), names.end());
+    EXPECT_EQ(std::find(names.begin(), names.end(), ".."), names.end());
     EXPECT_EQ(List("C:\\windows\\*")[0], ".");
 }
 

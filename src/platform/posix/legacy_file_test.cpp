@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstring>
 #include <string>
 
@@ -128,11 +129,13 @@ TEST_F(OpenFileTest, CreateMakesAnEmptyFile) {
 }
 
 TEST_F(OpenFileTest, BareNamesAreSearchedForInTheWindowsFolders) {
-    ASSERT_TRUE(zq::test::WriteFileBytes(WindowsFolderUnix() + "/zqtest.ini", "[s]"));
-    EXPECT_EQ(OpenFile("ZQTEST.INI", &ofs_, OF_EXIST), 1);
-    EXPECT_STREQ(ofs_.szPathName, "C:\\windows\\ZQTEST.INI");
+    const std::string file = WindowsFolderUnix() + "/zqopenfile.ini";
+    ASSERT_TRUE(zq::test::WriteFileBytes(file, "[s]"));
+    EXPECT_EQ(OpenFile("ZQOPENFILE.INI", &ofs_, OF_EXIST), 1);
+    EXPECT_STREQ(ofs_.szPathName, "C:\\windows\\ZQOPENFILE.INI");
     EXPECT_EQ(OpenFile("nowhere.ini", &ofs_, OF_EXIST), HFILE_ERROR);
     EXPECT_EQ(ofs_.nErrCode, static_cast<WORD>(ERROR_FILE_NOT_FOUND));
+    std::remove(file.c_str());
 }
 
 TEST_F(OpenFileTest, ReopenVerifiesTheDate) {
