@@ -33,7 +33,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const size_t length = data[0] | (data[1] << 8);
     std::vector<uint8_t> buffer(length * 2 + 4 > size ? length * 2 + 4 : size, 0);
     std::memcpy(buffer.data(), data, size);
-    if (length + 4 <= buffer.size()) std::memcpy(buffer.data() + length, "FE2X", 4);
+    // The signature goes behind the block, never over its length field.
+    if (length >= 2 && length + 4 <= buffer.size()) std::memcpy(buffer.data() + length, "FE2X", 4);
     for (const char* path : kPaths) {
         void* value = nullptr;
         UINT value_length = 0;
