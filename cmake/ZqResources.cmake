@@ -60,13 +60,20 @@ function(zq_add_resources target)
         get_filename_component(stem ${rc_path} NAME_WE)
         set(res ${work}/${stem}.res)
         set(preprocessed ${work}/${stem}.rc.i)
+        # llvm-rc reads any argument that begins with "/" as an option (a
+        # build under /check/... would hand it "/C"), so it runs in the work
+        # folder and gets every path relative to it.
+        file(RELATIVE_PATH rc_dir_from_work ${work} ${rc_dir})
+        file(RELATIVE_PATH source_dir_from_work ${work} ${CMAKE_SOURCE_DIR})
         add_custom_command(OUTPUT ${res}
             COMMAND ${CMAKE_C_COMPILER} -E -P -x c -DRC_INVOKED
                     -I${ZQ_RESOURCE_INCLUDE_DIR} -I${rc_dir}
                     -MD -MF ${res}.d -MT ${res}
                     ${rc_path} -o ${preprocessed}
-            COMMAND ${ZQ_LLVM_RC} /no-preprocess /C ${ARG_CODEPAGE} /I ${rc_dir} /I ${CMAKE_SOURCE_DIR}
-                    /FO ${res} ${preprocessed}
+            COMMAND ${CMAKE_COMMAND} -E chdir ${work}
+                    ${ZQ_LLVM_RC} /no-preprocess /C ${ARG_CODEPAGE}
+                    /I ./${rc_dir_from_work} /I ./${source_dir_from_work}
+                    /FO ${stem}.res ${stem}.rc.i
             DEPENDS ${rc_path} ${ARG_DEPENDS}
             DEPFILE ${res}.d
             COMMENT "Compiling resources ${stem}.rc for ${target}"
