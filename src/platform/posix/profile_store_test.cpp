@@ -399,6 +399,19 @@ TEST(ProfileFiles, WritesKeepPermissionsAndRefuseReadOnlyFiles) {
     EXPECT_EQ(Get(path, "S", "k"), "2");
 }
 
+TEST(ProfileFiles, WritesKeepDosAttributes) {
+    const std::string path = MakeScratchFolder("attr") + "/a.ini";
+    ASSERT_TRUE(WriteFileBytes(path, "[S]\r\nk=1\r\n"));
+    const DWORD wanted = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+    ASSERT_TRUE(SetFileAttributesA(path.c_str(), wanted));
+    if ((GetFileAttributesA(path.c_str()) & wanted) != wanted) {
+        GTEST_SKIP() << "this file system keeps no DOS attributes";
+    }
+    EXPECT_TRUE(Put(path, "S", "k", "2"));
+    EXPECT_EQ(GetFileAttributesA(path.c_str()) & wanted, wanted);
+    EXPECT_EQ(ReadFileBytes(path), "[S]\r\nk=2\r\n");
+}
+
 TEST(ProfileFiles, WritesThroughASymbolicLinkKeepTheLink) {
     const std::string folder = MakeScratchFolder("link");
     ASSERT_TRUE(WriteFileBytes(folder + "/real.ini", "[S]\r\nk=1\r\n"));
