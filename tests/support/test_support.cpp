@@ -68,6 +68,14 @@ std::string ExecutableFolder() {
     return path.substr(0, path.find_last_of('/'));
 }
 
+bool RunningAsRoot() {
+    return geteuid() == 0;
+}
+
+bool SetFileMode(const std::string& unix_path, unsigned mode) {
+    return chmod(unix_path.c_str(), static_cast<mode_t>(mode)) == 0;
+}
+
 ScopedEnvironmentVariable::ScopedEnvironmentVariable(const char* name, const char* value)
     : name_(name) {
     const char* old = std::getenv(name);

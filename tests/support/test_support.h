@@ -25,6 +25,13 @@ bool WriteFileBytes(const std::string& unix_path, const std::string& bytes);
 // Folder of the running test executable (where the built modules are).
 std::string ExecutableFolder();
 
+// Whether the process has the superuser's rights, so that permission bits
+// do not stop it (tests of unreadable files skip then).
+bool RunningAsRoot();
+
+// Sets a file's permission bits (as chmod does); true on success.
+bool SetFileMode(const std::string& unix_path, unsigned mode);
+
 // Sets (or, with nullptr, removes) an environment variable for the life of
 // the object and restores the previous state afterwards.
 class ScopedEnvironmentVariable {
