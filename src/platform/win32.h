@@ -16,6 +16,7 @@
 #include "platform/api/time.h"
 #include "platform/api/strings.h"
 #include "platform/api/system.h"
+#include "platform/api/memory.h"
 #include "platform/api/locale.h"
 #include "platform/api/file.h"
 #include "platform/api/module.h"
