@@ -9,6 +9,7 @@
 #pragma once
 
 #include "platform/win32.h"
+#include "telephony/country_code.h"
 
 class CZqLanguageSupport;
 
@@ -23,8 +24,9 @@ struct ZqGblProcessData {
     HINSTANCE m_hLanguageModule = nullptr;
     // Made by ZqGblLoadLanguageDLL and owned by the block.
     CZqLanguageSupport* m_pLanguageSupport = nullptr;
-    // The country list (CZqCountryCodeList, held by value and constructed
-    // empty at attach) joins here when the country list exists.
+    // The process's country list, constructed empty at attach and loaded
+    // on first use (GetGlobalCountryList).
+    CZqCountryCodeList m_CountryList{FALSE};
 };
 
 // The block of the calling thread: the block made at attach on the thread
