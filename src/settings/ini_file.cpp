@@ -9,6 +9,7 @@
 #include "settings/ini_value_text.h"
 
 using zq::settings::FieldSplitter;
+using zq::settings::FormatDecimal;
 using zq::settings::kRecordDelimiters;
 using zq::settings::ParseBooleanWord;
 using zq::settings::ParseDecimal;
@@ -168,7 +169,7 @@ DWORD CZqIniFile::DoInteger(const char* lpszKey, BOOL bRead, int nDefault, int* 
         return Finish(kStatusNoFileName);
     }
     char text[kNumberReadSize];
-    std::snprintf(text, sizeof text, "%d", m_input.n);
+    FormatDecimal(m_input.n, text, sizeof text);
     if (!bRead) {
         return Finish(WriteEntry(text));
     }

@@ -1,5 +1,7 @@
 #include "settings/ini_value_text.h"
 
+#include <cstdio>
+
 namespace zq::settings {
 
 namespace {
@@ -44,6 +46,24 @@ INT ParseDecimal(std::string_view text) {
         value = 0u - value;
     }
     return static_cast<INT>(value);
+}
+
+void FormatDecimal(INT value, char* text, size_t size) {
+    if (size > 0) {
+        std::snprintf(text, size, "%d", value);
+    }
+}
+
+std::string_view TrimWhiteSpace(std::string_view text) {
+    size_t first = 0;
+    size_t last = text.size();
+    while (first < last && IsCSpace(text[first])) {
+        ++first;
+    }
+    while (last > first && IsCSpace(text[last - 1])) {
+        --last;
+    }
+    return text.substr(first, last - first);
 }
 
 DWORD ParseHexadecimal(std::string_view text) {

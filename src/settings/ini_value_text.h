@@ -1,9 +1,10 @@
 // Text conversions behind the typed profile-file entries: the number
-// readers and the field splitter that CZqIniFile applies to the text of one
-// entry. All functions take any byte sequence (a value may come from a file
-// full of garbage) and never read beyond the view they are given.
+// readers and writers, the white-space trimmer and the field splitter that
+// CZqIniFile and CZqMemIniFile apply to the text of one entry. All functions take any byte sequence
+// (a value may come from a file full of garbage) and never read beyond the view they are given.
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 #include "platform/win32.h"
@@ -16,6 +17,15 @@ namespace zq::settings {
 // saturation), so "4294967295" reads back as 0xFFFFFFFF when taken as a
 // DWORD.
 INT ParseDecimal(std::string_view text);
+
+// Writes the "%d" text of value into text (size bytes, terminator
+// included; cut to fit). kDecimalTextSize bytes hold any value.
+inline constexpr size_t kDecimalTextSize = 12;
+void FormatDecimal(INT value, char* text, size_t size);
+
+// text without its leading and trailing white space: the characters
+// ParseDecimal skips (blank, tab, CR, LF, VT, FF).
+std::string_view TrimWhiteSpace(std::string_view text);
 
 // The entries' own hexadecimal reader: leading blanks and tabs skipped;
 // then '0'-'9', 'A'-'F', 'a'-'f' shift in a digit (32 bits, so only the
