@@ -57,15 +57,16 @@ inline void FillLondonHome(CZqLocationItem& item) {
     item.m_csZipCode = "NW1 6XE";
 }
 
-// A New York office: "9," for an outside line, several local area codes,
-// caller-ID blocking and call waiting switched off.
+// A New York office: "9," for a local outside line and "8," for the
+// long-distance trunk, several local area codes, caller-ID blocking and
+// call waiting switched off.
 inline void FillNewYorkOffice(CZqLocationItem& item) {
     item.m_nCountryIndex = 1;
     item.m_csLocationName = "Office";
     item.m_csCountryCode = "1";
     item.m_csAreaCityCode = "212,646,718";
     item.m_csInternationalAccess = "011";
-    item.m_csLongDistancePrefix = "9,";
+    item.m_csLongDistancePrefix = "8,";
     item.m_csLongDistanceAccess = "1";
     item.m_csLocalPrefix = "9,";
     item.m_csCallerID = "*67";
