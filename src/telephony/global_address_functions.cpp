@@ -1,5 +1,6 @@
 #include "telephony/global_address_functions.h"
 
+#include <cstring>
 #include <string>
 #include <utility>
 
@@ -7,6 +8,9 @@
 #include "telephony/country_lookup.h"
 
 namespace {
+
+// What CString's trimming removes.
+constexpr char kWhiteSpace[] = " \t\n\v\f\r";
 
 // A code with its "-" behind it, or nothing when the code is empty.
 void AppendWithDash(CString& csTo, const CString& csCode) {
@@ -41,6 +45,65 @@ bool IsLocalAreaCode(const CString& csLocalAreaCodes, const CString& csArea) {
     }
 }
 
+bool IsEmptyWithoutPlus(const CString& csCode) {
+    const char* p = csCode;
+    for (int i = 0; i < csCode.GetLength(); ++i) {
+        if (p[i] != '+') {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Byte equality of two codes with every "+" left out of both.
+bool EqualsWithoutPlus(const CString& csA, const CString& csB) {
+    const char* a = csA;
+    const char* b = csB;
+    const char* endA = a + csA.GetLength();
+    const char* endB = b + csB.GetLength();
+    for (;;) {
+        while (a < endA && *a == '+') {
+            ++a;
+        }
+        while (b < endB && *b == '+') {
+            ++b;
+        }
+        if (a == endA || b == endB) {
+            return a == endA && b == endB;
+        }
+        if (*a++ != *b++) {
+            return false;
+        }
+    }
+}
+
+void AppendWithoutPlus(CString& csTo, const CString& csCode) {
+    const char* p = csCode;
+    for (int i = 0; i < csCode.GetLength(); ++i) {
+        if (p[i] != '+') {
+            csTo += p[i];
+        }
+    }
+}
+
+CString WithoutPlus(const CString& csCode) {
+    CString code(csCode);
+    code.Remove('+');
+    return code;
+}
+
+// The first character of csText that trimming would keep, or chEmpty when
+// trimming leaves nothing.
+char FirstNonBlank(const CString& csText, char chEmpty) {
+    const char* p = csText;
+    for (int i = 0; i < csText.GetLength(); ++i) {
+        if (p[i] == '\0' || std::strchr(kWhiteSpace, p[i]) == nullptr) {
+            return p[i];
+        }
+    }
+    return chEmpty;
+}
+
 }  // namespace
 
 void CZqGlobalAddressFunctions::CleanDialable(CString& csText) {
@@ -50,39 +113,38 @@ void CZqGlobalAddressFunctions::CleanDialable(CString& csText) {
     if (length == 0) {
         return;
     }
-    const char* in = csText;
-    CString kept;
-    char* out = kept.GetBuffer(length);
+    // Both walks write behind where they read, so they work in place.
+    char* text = csText.GetBuffer(length);
     int n = 0;
     // Blanks go; a "-" behind a kept "-" goes, so a run becomes one.
     for (int i = 0; i < length; ++i) {
-        const char c = in[i];
-        if (c == ' ' || (c == '-' && n > 0 && out[n - 1] == '-')) {
+        const char c = text[i];
+        if (c == ' ' || (c == '-' && n > 0 && text[n - 1] == '-')) {
             continue;
         }
-        out[n++] = c;
+        text[n++] = c;
     }
     int first = 0;
-    if (first < n && out[first] == '=') {
+    if (first < n && text[first] == '=') {
         ++first;
     }
-    if (first < n && out[first] == '-') {
+    if (first < n && text[first] == '-') {
         ++first;
     }
-    if (n > first && out[n - 1] == '-') {
+    if (n > first && text[n - 1] == '-') {
         --n;
     }
-    // A "-" stays only directly behind a digit of this pass's input.
+    // A "-" stays only directly behind a digit of this walk's input.
     int m = 0;
+    char before = '\0';
     for (int i = first; i < n; ++i) {
-        const char c = out[i];
-        if (c == '-' && !(i > first && out[i - 1] >= '0' && out[i - 1] <= '9')) {
-            continue;
+        const char c = text[i];
+        if (c != '-' || (before >= '0' && before <= '9')) {
+            text[m++] = c;
         }
-        out[m++] = c;
+        before = c;
     }
-    kept.ReleaseBuffer(m);
-    csText = std::move(kept);
+    csText.ReleaseBuffer(m);
 }
 
 int CZqGlobalAddressFunctions::MakeDialableAddress(_tagAddressInformation* pInfo,
@@ -99,8 +161,9 @@ int CZqGlobalAddressFunctions::MakeDialableAddress(_tagAddressInformation* pInfo
     }
 
     // A number that begins with "=" (behind the area code, when there is
-    // one) is dialed exactly as written.
-    {
+    // one) is dialed exactly as written. The first character is looked at
+    // before anything is copied, since most numbers are not.
+    if (FirstNonBlank(info.csAreaCode, FirstNonBlank(info.csNumber, '\0')) == '=') {
         CString area(info.csAreaCode);
         area.TrimLeft();
         area.TrimRight();
@@ -112,44 +175,38 @@ int CZqGlobalAddressFunctions::MakeDialableAddress(_tagAddressInformation* pInfo
             entered += '-';
         }
         entered += number;
-        if (!entered.IsEmpty() && entered[0] == '=') {
-            CleanDialable(entered);
-            info.csDialable = std::move(entered);
-            // Also when nothing is left after the cleaning, as it always was.
-            info.bNoAddress = 0;
-            zq::frame::LoadResourceString(kRuleAsEntered, info.csDialingRule);
-            return 1;
-        }
+        CleanDialable(entered);
+        info.csDialable = std::move(entered);
+        // Also when nothing is left after the cleaning, as it always was.
+        info.bNoAddress = 0;
+        zq::frame::LoadResourceString(kRuleAsEntered, info.csDialingRule);
+        return 1;
     }
 
+    // The pieces in dialing order are head + middle + number + suffix.
     CString head;
     AppendWithDash(head, info.csBlockCallerID);
     CString middle;
-    CString number(info.csNumber);
-    CString tail;
-    if (!info.csDialSuffix.IsEmpty()) {
-        tail += '-';
-        tail += info.csDialSuffix;
-    }
+    int numberStart = 0;  // 1 when the number's first character is left out
     UINT rule = kRuleLocal;
 
-    CString home(info.csHomeCountryCode);
-    home.Remove('+');
-    CString dest(info.csCountryCode);
-    dest.Remove('+');
-    const bool domestic = dest.IsEmpty() || home == dest;
+    // Country codes count without their "+" signs.
+    const bool domestic = IsEmptyWithoutPlus(info.csCountryCode) ||
+                          EqualsWithoutPlus(info.csHomeCountryCode, info.csCountryCode);
 
     bool longDistance = false;  // international or long distance: area code and prefix follow
     bool done = false;          // the pieces are complete
     if (!domestic) {
         UINT prefix = 0;
-        if (home == "1" && GetCountryPrefix(dest, prefix) && prefix > 0) {
+        static const CString kNorthAmerica("1");
+        if (EqualsWithoutPlus(info.csHomeCountryCode, kNorthAmerica) &&
+            GetCountryPrefix(WithoutPlus(info.csCountryCode), prefix) && prefix > 0) {
             // A neighbour of the North American plan is dialed like a
             // long-distance call, its country code in the area code's place.
             if (info.bUseLongDistanceAccess == 1) {
                 AppendWithDash(middle, info.csLongDistanceAccess);
             }
-            middle += dest;
+            AppendWithoutPlus(middle, info.csCountryCode);
             middle += '-';
             rule = kRuleLongDistance;
             head += info.csLongDistancePrefix;
@@ -159,7 +216,7 @@ int CZqGlobalAddressFunctions::MakeDialableAddress(_tagAddressInformation* pInfo
             if (info.bUseInternationalAccess == 1) {
                 AppendWithDash(middle, info.csInternationalAccess);
             }
-            middle += dest;
+            AppendWithoutPlus(middle, info.csCountryCode);
             middle += '-';
             rule = kRuleInternational;
             longDistance = true;
@@ -191,7 +248,7 @@ int CZqGlobalAddressFunctions::MakeDialableAddress(_tagAddressInformation* pInfo
                 rule = kRuleLocalAsLongDistance;
             }
         } else if (info.bDropFirstLocalDigit == 1 && !info.csNumber.IsEmpty()) {
-            number = info.csNumber.Mid(1);
+            numberStart = 1;
         }
         // Any non-zero bForceLongDistance selects the long-distance outside
         // line, while area code and access code above need exactly 1: kept.
@@ -204,9 +261,21 @@ int CZqGlobalAddressFunctions::MakeDialableAddress(_tagAddressInformation* pInfo
     }
 
     CString dialable(std::move(head));
+    // Room for all pieces at once (GetBuffer keeps the text).
+    const int headLength = dialable.GetLength();
+    dialable.GetBuffer(headLength + middle.GetLength() + info.csNumber.GetLength() +
+                       info.csDialSuffix.GetLength() + 1);
+    dialable.ReleaseBuffer(headLength);
     dialable += middle;
-    dialable += number;
-    dialable += tail;
+    if (numberStart == 0) {
+        dialable += info.csNumber;
+    } else {
+        dialable += info.csNumber.Mid(numberStart);
+    }
+    if (!info.csDialSuffix.IsEmpty()) {
+        dialable += '-';
+        dialable += info.csDialSuffix;
+    }
     CleanDialable(dialable);
     info.csDialable = dialable;
     info.csDisplayable = std::move(dialable);
