@@ -9,6 +9,7 @@
 
 #ifdef _WIN32
 #include <windows.h>
+#include <direct.h>
 #else
 #include "platform/api/types.h"
 #include "platform/api/error.h"
@@ -31,6 +32,7 @@
 #include "platform/api/menu.h"
 #include "platform/api/gdi.h"
 #include "platform/api/tapi.h"
+#include "platform/api/crt.h"
 #endif
 
 #endif /* ZQ_PLATFORM_WIN32_H */
