@@ -5,6 +5,7 @@
 #include <string>
 
 #include "settings/global_config.h"
+#include "support/test_support.h"
 #include "telephony/installation_for_tests.h"
 #include "telephony/location_registry.h"
 #include "telephony/locations_for_tests.h"
@@ -127,6 +128,52 @@ INSTANTIATE_TEST_SUITE_P(Values, MissingValue,
                                            "Address1", "Address2", "City", "State", "ZipCode",
                                            "EMail", "CompuServe", "AreaHome1", "PhoneHome1",
                                            "AreaWork2", "AreaPager", "PhonePager"));
+
+// On the 16-bit-compatible registry every value is a sub-key of the slot.
+class LocationItemOnWin32s : public ::testing::Test {
+protected:
+    // The system type first: the installation and the gateway take it.
+    zq::test::ScopedEnvironmentVariable winver_{"ZQ_WINVER", "win32s"};
+    ScopedInstallation installation_;
+    CZqGlobalConfig config_;
+};
+
+TEST_F(LocationItemOnWin32s, ALocationReadsBackFieldForField) {
+    CZqLocationItem saved(11);
+    FillNewYorkOffice(saved);
+    saved.m_bTAPIDialing = 1;
+    ASSERT_EQ(saved.SaveByIndex(), 0u);
+    CZqLocationItem loaded;
+    ASSERT_EQ(loaded.LoadByIndex(11), 0u);
+    for (int slot = 0; slot < CZqLocationItem::kPhoneSlots; ++slot) {
+        saved.m_csaPhoneAreas.Add("");
+        saved.m_csaPhoneNumbers.Add("");
+    }
+    EXPECT_EQ(DescribeLocation(loaded), DescribeLocation(saved));
+    BOOL exists = FALSE;
+    config_.DoesSubkeyExist(kMachine, installation_.SlotKey("00000011").c_str(), "CountryCode",
+                            exists);
+    EXPECT_TRUE(exists);
+}
+
+TEST_F(LocationItemOnWin32s, AFailedSaveRemovesTheWholeSlot) {
+    // A slot key that cannot hold lasting sub-keys: the first value fails.
+    HKEY slot = nullptr;
+    ASSERT_EQ(
+        RegCreateKeyExA(HKEY_CLASSES_ROOT, installation_.SlotKey("00000012").c_str(), 0, nullptr,
+                        REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &slot, nullptr),
+        0);
+    ASSERT_EQ(RegSetValueExA(slot, "Leftover", 0, REG_SZ, reinterpret_cast<const BYTE*>("x"), 2),
+              0);
+    RegCloseKey(slot);
+
+    CZqLocationItem item(12);
+    FillLondonHome(item);
+    EXPECT_EQ(item.SaveByIndex(), static_cast<DWORD>(ERROR_CHILD_MUST_BE_VOLATILE));
+    BOOL exists = TRUE;
+    config_.DoesSubkeyExist(kMachine, installation_.LocationsKey().c_str(), "00000012", exists);
+    EXPECT_FALSE(exists);
+}
 
 TEST(LocationItemWithoutInstallation, NothingLoadsAndASaveLeavesNothingBehind) {
     CZqGlobalConfig config;
