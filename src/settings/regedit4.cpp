@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <utility>
 #include <vector>
 
 namespace zq::settings {
@@ -569,6 +570,19 @@ private:
 };
 
 }  // namespace
+
+bool SplitRegistryKeyPath(std::string_view path, HKEY& root, std::string& root_name,
+                          std::string& sub_key) {
+    const Root* found = nullptr;
+    std::string sub;
+    if (!SplitKeyPath(path, found, sub)) {
+        return false;
+    }
+    root = found->key;
+    root_name = found->name;
+    sub_key = std::move(sub);
+    return true;
+}
 
 const char* Regedit4StatusText(Regedit4Status status) {
     switch (status) {

@@ -60,6 +60,13 @@ struct Regedit4Result {
     bool ok() const { return status == Regedit4Status::kOk; }
 };
 
+// Splits a key path "ROOT\sub\path" (the root names above, short forms
+// too) into the root's handle, the root's full name and the path below it,
+// with empty components dropped. False (outputs untouched) when the path
+// does not begin with a root name.
+bool SplitRegistryKeyPath(std::string_view path, HKEY& root, std::string& root_name,
+                          std::string& sub_key);
+
 // A short English description of a status, for messages.
 const char* Regedit4StatusText(Regedit4Status status);
 

@@ -25,6 +25,7 @@ using zq::settings::ImportRegedit4;
 using zq::settings::ImportRegedit4File;
 using zq::settings::Regedit4Result;
 using zq::settings::Regedit4Status;
+using zq::settings::SplitRegistryKeyPath;
 
 LONG DeleteTree(HKEY parent, const char* name) {
     HKEY key = nullptr;
@@ -322,6 +323,22 @@ TEST_F(Regedit4Test, ExportNamesWhatIsWrong) {
     // A root alone and a short root name are fine.
     EXPECT_EQ(ExportRegedit4("HKCU\\" + sub_ + "\\", text).status, Regedit4Status::kOk);
     EXPECT_EQ(text, "REGEDIT4\r\n\r\n[" + path_ + "]\r\n\r\n");
+}
+
+TEST(SplitRegistryKeyPath, NamesTheRootAndDropsEmptyComponents) {
+    HKEY root = nullptr;
+    std::string name = "untouched", sub = "untouched";
+    ASSERT_TRUE(SplitRegistryKeyPath("hklm\\Software\\\\Zq\\", root, name, sub));
+    EXPECT_EQ(root, HKEY_LOCAL_MACHINE);
+    EXPECT_EQ(name, "HKEY_LOCAL_MACHINE");
+    EXPECT_EQ(sub, "Software\\Zq");
+    ASSERT_TRUE(SplitRegistryKeyPath("HKEY_USERS", root, name, sub));
+    EXPECT_EQ(root, HKEY_USERS);
+    EXPECT_EQ(sub, "");
+    name = "untouched";
+    EXPECT_FALSE(SplitRegistryKeyPath("Software\\Zq", root, name, sub));
+    EXPECT_FALSE(SplitRegistryKeyPath("HKLMX\\Software", root, name, sub));
+    EXPECT_EQ(name, "untouched");
 }
 
 TEST_F(Regedit4Test, FilesHoldTheTextAsBytes) {

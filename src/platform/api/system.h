@@ -90,6 +90,12 @@ ZQ_API DWORD WINAPI GetEnvironmentVariableA(LPCSTR lpName, LPSTR lpBuffer, DWORD
 /* A NULL value removes the variable. */
 ZQ_API BOOL WINAPI SetEnvironmentVariableA(LPCSTR lpName, LPCSTR lpValue);
 
+/* Not Win32: the host folder that holds all state of the emulated system
+ * (registry, drive C:), as an absolute host path. Returns like
+ * GetEnvironmentVariableA: the length without the terminator when it fits
+ * in nSize, else the size needed with it (nothing written). */
+ZQ_API DWORD WINAPI ZqGetPrefixA(LPSTR lpBuffer, DWORD nSize);
+
 ZQ_EXTERN_C_END
 
 #endif /* ZQ_PLATFORM_API_SYSTEM_H */

@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/posix/prefix.h"
 #include "platform/win32.h"
 
 extern "C" {
@@ -31,6 +32,15 @@ BOOL WINAPI SetEnvironmentVariableA(LPCSTR lpName, LPCSTR lpValue) {
         return FALSE;
     }
     return TRUE;
+}
+
+DWORD WINAPI ZqGetPrefixA(LPSTR lpBuffer, DWORD nSize) {
+    const std::string& prefix = zq::platform::internal::Prefix();
+    if (!lpBuffer || prefix.size() >= nSize) {
+        return static_cast<DWORD>(prefix.size() + 1);
+    }
+    std::memcpy(lpBuffer, prefix.c_str(), prefix.size() + 1);
+    return static_cast<DWORD>(prefix.size());
 }
 
 }  // extern "C"
