@@ -1,0 +1,61 @@
+# The tool as a whole: help, usage errors, the prefix, the first run,
+# info, version and the tour.
+run 0 --help
+has "Subcommands:"
+for command in info reg ini countries xlat tools version tour \
+    "reg query" "reg set" "reg delete" "reg export" "reg import" \
+    "ini get" "ini set" "ini delete" "ini sections" "ini keys" \
+    "xlat new" "xlat show" "xlat set" "xlat apply" \
+    "tools list" "tools add" "tools remove" "tools run"; do
+    # shellcheck disable=SC2086
+    run 0 $command --help
+    has "Example"
+done
+check "help does not make the prefix" test ! -e "$ZQ_PREFIX"
+
+run 2 frobnicate
+run 2 info --bogus
+run 2 info extra
+
+# The first run sets up the installation once.
+run 0 info
+err_has "zq: new installation in $ZQ_PREFIX: made HKEY_LOCAL_MACHINE\\Software\\Zq,Inc.\\Zq Communication Suite\\1.0\\Users\\"
+has "prefix               $ZQ_PREFIX"
+has "Windows NT 4.0 (type 2)"
+has "current user         Software\\Zq,Inc.\\Zq Communication Suite\\1.0\\Users\\"
+run 0 info --json
+check "said once" test -z "$err"
+check "info as JSON" python3 -c '
+import json, sys
+v = json.loads(sys.argv[1])
+assert v["prefix"] == sys.argv[2] and v["system"]["type"] == 2, v
+assert v["key_layout"]["module_root"].endswith("\\Modules\\ZQ\\1.0"), v' "$out" "$ZQ_PREFIX"
+
+# --prefix overrides ZQ_PREFIX, before or after the subcommand.
+run 0 --prefix "$PWD/other" info
+has "prefix               $PWD/other"
+err_has "new installation in $PWD/other"
+run 0 info --prefix "$PWD/third"
+has "prefix               $PWD/third"
+
+# A system type other than NT, reported as the library sees it.
+ZQ_WINVER=win95 run 0 info
+has "(type 3)"
+
+run 0 version "$zq_binary"
+has "InternalName          ZQ"
+run 0 version --json "$zq_binary"
+check "version block as JSON" python3 -c '
+import json, sys
+v = json.loads(sys.argv[1])[0]
+assert v["translations"][0]["strings"]["CompanyName"] == "Zq,Inc.", v' "$out"
+run 1 version "$ZQ_PREFIX/registry.db"
+err_has "zq version: $ZQ_PREFIX/registry.db: "
+run 1 version missing.dll
+err_has "ERROR_FILE_NOT_FOUND"
+run 2 version
+
+run 0 tour
+has "== Version block of this program"
+has "Greeting = \"Grüß Gott\""
+has "\"atdt 0049 89 1234567\" -> \"ATDT 0049 89 1234567\""
