@@ -111,7 +111,7 @@ public:
     // The file's full path while a trace is open, otherwise "".
     CString GetFileName();
 
-    // Not in the original interface; for tools and tests.
+    // Additions beyond the exported interface, for tools and tests.
     BOOL IsOpen() const;
     BOOL IsPaused() const { return m_bPaused; }
     BOOL IsTimeStampEnabled() const { return m_bTimeStamp; }

@@ -79,7 +79,7 @@ public:
     // state. Nothing for an unknown type or without a version block.
     void SetTemplateInstalled(int nType, BOOL bInstalled);
 
-    // Not in the original interface; for tools and tests.
+    // Additions beyond the exported interface, for tools and tests.
     int GetSize() const { return m_Modules.GetSize(); }
     // Record nIndex, or NULL outside 0..GetSize()-1.
     const tagINSTALLEDMODULESTRUCT* GetAt(int nIndex) const;

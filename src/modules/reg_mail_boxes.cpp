@@ -19,7 +19,7 @@ constexpr char kNameValue[] = "Name";
 constexpr char kUserDefaultValue[] = "UserDefault";
 
 // The subkey of a mailbox: "%08ld", so a number above 0x7FFFFFFF is written
-// with its sign as the original did.
+// with its sign, as the suite's registries already hold it.
 CString MailBoxSubKey(DWORD dwNumber) {
     CString name;
     name.Format("%08d", static_cast<int>(dwNumber));

@@ -98,7 +98,7 @@ public:
     // registry has no mailboxes at all.
     static BOOL GetMailBoxPath(DWORD dwNumber, CString& csPath, MAILBOXFOLDER folder);
 
-    // Not in the original interface; for tools and tests.
+    // Additions beyond the exported interface, for tools and tests.
     int GetSize() const { return m_MailBoxes.GetSize(); }
     // Record nIndex, or NULL outside 0..GetSize()-1.
     tagREGMAILBOXSTRUCT* GetAt(int nIndex) const;
