@@ -137,6 +137,20 @@ std::string ToAnsi(std::string_view utf8) {
     return IsAscii(utf8) ? std::string(utf8) : Convert(utf8, CP_UTF8, MB_ERR_INVALID_CHARS, CP_ACP);
 }
 
+std::string Pad(std::string_view utf8, size_t width) {
+    size_t characters = 0;
+    for (char c : utf8) {
+        if ((static_cast<unsigned char>(c) & 0xC0) != 0x80) {
+            ++characters;
+        }
+    }
+    std::string out(utf8);
+    if (characters < width) {
+        out.append(width - characters, ' ');
+    }
+    return out;
+}
+
 void PrintJson(const nlohmann::json& value) {
     // Invalid UTF-8 that slipped through is replaced rather than thrown on.
     std::cout << value.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';

@@ -34,6 +34,10 @@ namespace zq::app {
 std::string ToUtf8(std::string_view ansi);
 std::string ToAnsi(std::string_view utf8);
 
+// UTF-8 text padded with blanks to `width` characters (not bytes), for
+// columns; longer text is returned unchanged.
+std::string Pad(std::string_view utf8, size_t width);
+
 // Pretty-printed JSON and a line end on standard output. Strings in `value`
 // must already be UTF-8 (see ToUtf8).
 void PrintJson(const nlohmann::json& value);

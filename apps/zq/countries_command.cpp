@@ -6,68 +6,22 @@
 
 #include "command.h"
 #include "console.h"
-#include "frame/process_data.h"
+#include "language_module.h"
 #include "telephony/country_lookup.h"
 
 namespace zq::app {
 
 namespace {
 
-// The language module ZQGBL<LANG>.DLL as the process's language module
-// while the object lives, with the country list emptied so that it loads
-// again in that language.
-class LanguageModule {
-public:
-    LanguageModule() = default;
-    ~LanguageModule() {
-        if (block_ != nullptr) {
-            block_->m_CountryList.FreeData();
-            block_->m_hLanguageModule = previous_;
-        }
-        if (module_ != nullptr) {
-            FreeLibrary(module_);
-        }
-    }
-    LanguageModule(const LanguageModule&) = delete;
-    LanguageModule& operator=(const LanguageModule&) = delete;
-
-    // 0, or the platform's error for a module that is not there.
-    DWORD Load(const std::string& language) {
-        block_ = ZqGblGetProcessData();
-        if (block_ == nullptr) {
-            return ERROR_INVALID_FUNCTION;
-        }
-        const std::string file = "ZQGBL" + language + ".DLL";
-        module_ = LoadLibraryA(file.c_str());
-        if (module_ == nullptr) {
-            const DWORD error = GetLastError();
-            block_ = nullptr;
-            return error != 0 ? error : DWORD{ERROR_MOD_NOT_FOUND};
-        }
-        previous_ = block_->m_hLanguageModule;
-        block_->m_hLanguageModule = module_;
-        block_->m_CountryList.FreeData();
-        return 0;
-    }
-
-private:
-    ZqGblProcessData* block_ = nullptr;
-    HINSTANCE module_ = nullptr;
-    HINSTANCE previous_ = nullptr;
-};
-
 int ShowCountries(std::string language, bool json) {
     const std::string command = "countries";
-    for (char& c : language) {
-        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    }
-    if (language.size() != 3) {
+    if (!NormalizeLanguage(language)) {
         return UsageError(command, "a language is three letters, e.g. ENU or DEU");
     }
     LanguageModule module;
     const DWORD status = module.Load(language);
     if (status != 0) {
-        return Fail(command, "ZQGBL" + language + ".DLL", Win32Status(status));
+        return Fail(command, LanguageModule::FileName(language), Win32Status(status));
     }
     CZqCountryCodeList* list = GetGlobalCountryList();
     if (list == nullptr || list->GetSize() == 0) {

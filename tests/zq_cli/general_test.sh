@@ -6,7 +6,9 @@ for command in info reg ini countries xlat tools version tour \
     "reg query" "reg set" "reg delete" "reg export" "reg import" \
     "ini get" "ini set" "ini delete" "ini sections" "ini keys" \
     "xlat new" "xlat show" "xlat set" "xlat apply" \
-    "tools list" "tools add" "tools remove" "tools run"; do
+    "tools list" "tools add" "tools remove" "tools run" dial locations \
+    "locations list" "locations show" "locations add" "locations set" "locations delete" \
+    "locations current"; do
     # shellcheck disable=SC2086
     run 0 $command --help
     has "Example"
@@ -56,6 +58,7 @@ err_has "ERROR_FILE_NOT_FOUND"
 run 2 version
 
 run 0 tour
+has "New York office  -> Nassau, Bahamas  8,*70,1-242-3561234        Long-distance call"
 has "== Version block of this program"
 has "Greeting = \"Grüß Gott\""
 has "\"atdt 0049 89 1234567\" -> \"ATDT 0049 89 1234567\""
