@@ -8,7 +8,10 @@ for command in info reg ini countries xlat tools version tour \
     "xlat new" "xlat show" "xlat set" "xlat apply" \
     "tools list" "tools add" "tools remove" "tools run" dial locations \
     "locations list" "locations show" "locations add" "locations set" "locations delete" \
-    "locations current"; do
+    "locations current" trace "trace status" "trace on" "trace off" "trace list" \
+    "trace write" mailboxes "mailboxes list" "mailboxes add" "mailboxes remove" \
+    "mailboxes default" "mailboxes path" modules "modules list" "modules install" \
+    "modules enable" "modules disable"; do
     # shellcheck disable=SC2086
     run 0 $command --help
     has "Example"
