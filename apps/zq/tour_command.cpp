@@ -101,8 +101,9 @@ bool TourDialing(const std::string& command) {
             }
         }
         items[i] = item;
-        std::printf("  %s +%s, area %s, outside line %s / %s\n", Pad(ToUtf8(l.name), 16).c_str(),
-                    l.country_code, l.areas, l.local_prefix, l.long_distance_prefix);
+        std::printf("  %s +%s, area %s; outside line: local %s long distance %s\n",
+                    Pad(ToUtf8(l.name), 16).c_str(), l.country_code, l.areas, l.local_prefix,
+                    l.long_distance_prefix);
     }
     list.SetCurrentIndex(items[0]->GetDataIndex());
     for (const TourCall& call : kTourCalls) {
