@@ -394,7 +394,11 @@ int Set(const std::string& key_text, const std::string& name_text,
         }
         case REG_DWORD: {
             DWORD number = 0;
-            if (data.size() != 1 || !ParseNumber(data[0], number)) {
+            int negative = 0;
+            if (data.size() == 1 && !ParseNumber(data[0], number) &&
+                ParseInteger(data[0], negative)) {
+                number = static_cast<DWORD>(negative);  // stored as its 32-bit pattern
+            } else if (data.size() != 1 || !ParseNumber(data[0], number)) {
                 return UsageError(command, "REG_DWORD takes one number (decimal, or hex after 0x)");
             }
             status = config.SetValue(key.mode, key.path.c_str(), name.c_str(), number);

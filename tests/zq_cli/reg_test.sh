@@ -3,6 +3,10 @@ K='HKCU\Software\Zq,Inc.\Demo'
 
 run 0 reg set "$K" Greeting "Grüß Gott"
 run 0 reg set -t REG_DWORD "$K" Retries 0x10
+run 0 reg set -t REG_DWORD "$K" Minus -1
+run 0 reg query "$K" Minus
+out_is "0xffffffff (4294967295)"
+run 0 reg delete "$K" Minus
 run 0 reg set -t REG_MULTI_SZ "$K" Ports COM1 COM2
 run 0 reg set -t REG_BINARY "$K" Blob 01,02,ff
 run 0 reg set -t expand_sz "$K" Path '%TEMP%\in'
