@@ -249,6 +249,9 @@ bool ParseNumber(std::string_view text, DWORD& value) {
 bool ParseInteger(std::string_view text, int& value) {
     if (!text.empty() && text.front() == '+') {
         text.remove_prefix(1);
+        if (!text.empty() && text.front() == '-') {
+            return false;  // "+-1"
+        }
     }
     if (text.empty()) {
         return false;

@@ -36,6 +36,11 @@ v = json.loads(sys.argv[1])
 assert v["prefix"] == sys.argv[2] and v["system"]["type"] == 2, v
 assert v["key_layout"]["module_root"].endswith("\\Modules\\ZQ\\1.0"), v' "$out" "$ZQ_PREFIX"
 
+# No command at all is the same as info.
+run 0
+has "zqgbl "
+has "Key layout"
+
 # --prefix overrides ZQ_PREFIX, before or after the subcommand.
 run 0 --prefix "$PWD/other" info
 has "prefix               $PWD/other"

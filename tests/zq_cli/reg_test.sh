@@ -89,3 +89,23 @@ err_has "line 5"
 # What came before the bad line stays applied.
 run 0 reg query 'HKCU\Imported' ok
 out_is "yes"
+
+# A tree with awkward names and data survives export → import → export
+# byte for byte: quotes and backslashes in names and texts, an empty text,
+# a long binary value (continued lines), every type, nested keys, Latin-1.
+T='HKLM\Software\Zq,Inc.\RoundTrip'
+run 0 reg set "$T" 'say "hi"' 'C:\path\with "quotes"'
+run 0 reg set "$T" Empty ""
+run 0 reg set -t REG_BINARY "$T" Long "$(python3 -c 'print(",".join("%02x" % (i % 256) for i in range(300)))')"
+run 0 reg set -t REG_MULTI_SZ "$T\Ä\Ö" Lines "eins" "zwei" "drei"
+run 0 reg set -t REG_EXPAND_SZ "$T\Ä" Home '%USERPROFILE%\Zq'
+run 0 reg set -t REG_DWORD "$T\Ä\Ö\Ü" Zero 0
+run 0 reg set "$T\Leer"
+run 0 reg export "$T" first.reg
+check "long binary continued over lines" grep -q $',\\\\\r$' first.reg
+run 0 reg delete "$T"
+run 0 reg import first.reg
+run 0 reg export "$T" second.reg
+check "round trip of an awkward tree is byte for byte" cmp first.reg second.reg
+run 0 reg query "$T" 'say "hi"'
+out_is 'C:\path\with "quotes"'
