@@ -13,6 +13,7 @@ packages=(
     libsqlite3-dev libicu-dev
     llvm                      # llvm-rc compiles the resource scripts
     libcli11-dev nlohmann-json3-dev
+    python3                   # the zq end-to-end tests read its JSON output with it
 )
 if [ "${1:-}" = "--fuzz" ]; then
     packages+=(clang libclang-rt-14-dev)
