@@ -30,7 +30,7 @@ int main(int argc, char** argv) {
         "operation failed (the reason on standard error), 2 the command line\n"
         "is wrong.\n\n"
         "Example:\n"
-        "  zq --prefix /tmp/zq reg query HKCU\\Software");
+        "  zq --prefix /tmp/zq reg query 'HKCU\\Software'");
     std::string prefix;
     app.add_option("--prefix", prefix,
                    "Folder holding the emulated system's state (overrides ZQ_PREFIX)");

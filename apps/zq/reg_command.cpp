@@ -526,8 +526,8 @@ void AddRegCommand(CLI::App& app, Runner& run) {
     CLI::App* reg = app.add_subcommand(
         "reg", "Registry keys and values through the library's registry gateway");
     reg->require_subcommand(1);
-    SetExamples(reg, {"zq reg set HKCU\\Software\\Zq,Inc.\\Demo Greeting Hello",
-                      "zq reg query HKCU\\Software\\Zq,Inc.\\Demo"});
+    SetExamples(reg, {"zq reg set 'HKCU\\Software\\Zq,Inc.\\Demo' Greeting Hello",
+                      "zq reg query 'HKCU\\Software\\Zq,Inc.\\Demo'"});
     const char* key_help = "Key, root first: HKLM, HKCU, HKU, HKCR or their full names";
 
     CLI::App* query =
@@ -535,8 +535,8 @@ void AddRegCommand(CLI::App& app, Runner& run) {
     query->add_option("key", o->key, key_help)->required();
     query->add_option("name", o->name, "Value to show (@ for the default value)");
     AddJsonFlag(query, o->json);
-    SetExamples(query, {"zq reg query HKCU\\Software\\Zq,Inc.\\Demo",
-                        "zq reg query --json HKLM\\Software Greeting"});
+    SetExamples(query, {"zq reg query 'HKCU\\Software\\Zq,Inc.\\Demo'",
+                        "zq reg query --json 'HKLM\\Software' Greeting"});
     query->callback([&run, o] { run = [o] { return Query(o->key, o->name, o->json); }; });
 
     CLI::App* set = reg->add_subcommand(
@@ -548,26 +548,26 @@ void AddRegCommand(CLI::App& app, Runner& run) {
                     "(REG_DWORD), hex bytes (REG_BINARY), or one text per string (REG_MULTI_SZ)");
     set->add_option("-t,--type", o->type,
                     "REG_SZ (default), REG_EXPAND_SZ, REG_MULTI_SZ, REG_DWORD or REG_BINARY");
-    SetExamples(set, {"zq reg set HKCU\\Software\\Zq,Inc.\\Demo Greeting \"Hello world\"",
-                      "zq reg set -t REG_DWORD HKCU\\Software\\Zq,Inc.\\Demo Retries 0x10",
-                      "zq reg set -t REG_MULTI_SZ HKCU\\Software\\Zq,Inc.\\Demo Ports COM1 COM2",
-                      "zq reg set -t REG_BINARY HKCU\\Software\\Zq,Inc.\\Demo Blob 01,02,ff"});
+    SetExamples(set, {"zq reg set 'HKCU\\Software\\Zq,Inc.\\Demo' Greeting \"Hello world\"",
+                      "zq reg set -t REG_DWORD 'HKCU\\Software\\Zq,Inc.\\Demo' Retries 0x10",
+                      "zq reg set -t REG_MULTI_SZ 'HKCU\\Software\\Zq,Inc.\\Demo' Ports COM1 COM2",
+                      "zq reg set -t REG_BINARY 'HKCU\\Software\\Zq,Inc.\\Demo' Blob 01,02,ff"});
     set->callback([&run, o] { run = [o] { return Set(o->key, o->name, o->data, o->type); }; });
 
     CLI::App* del = reg->add_subcommand(
         "delete", "Delete a value, or a key with everything below it when no value is named");
     del->add_option("key", o->key, key_help)->required();
     del->add_option("name", o->name, "Value to delete (@ for the default value)");
-    SetExamples(del, {"zq reg delete HKCU\\Software\\Zq,Inc.\\Demo Greeting",
-                      "zq reg delete HKCU\\Software\\Zq,Inc.\\Demo"});
+    SetExamples(del, {"zq reg delete 'HKCU\\Software\\Zq,Inc.\\Demo' Greeting",
+                      "zq reg delete 'HKCU\\Software\\Zq,Inc.\\Demo'"});
     del->callback([&run, o] { run = [o] { return Delete(o->key, o->name); }; });
 
     CLI::App* exp =
         reg->add_subcommand("export", "Write a key and everything below it as REGEDIT4 text");
     exp->add_option("key", o->key, key_help)->required();
     exp->add_option("file", o->file, "File to write, - for standard output")->required();
-    SetExamples(exp,
-                {"zq reg export HKCU\\Software\\Zq,Inc. zq.reg", "zq reg export HKLM\\Software -"});
+    SetExamples(exp, {"zq reg export 'HKCU\\Software\\Zq,Inc.' zq.reg",
+                      "zq reg export 'HKLM\\Software' -"});
     exp->callback([&run, o] { run = [o] { return Export(o->key, o->file); }; });
 
     CLI::App* imp = reg->add_subcommand("import", "Apply REGEDIT4 text to the registry");

@@ -168,7 +168,8 @@ void AddVersionCommand(CLI::App& app, Runner& run) {
     command->add_option("file", *files, "Module, program or Windows executable (DOS or Unix path)")
         ->required();
     AddJsonFlag(command, *json);
-    SetExamples(command, {"zq version build/default/bin/zq", "zq version --json C:\\zq\\fax.exe"});
+    SetExamples(command,
+                {"zq version build/default/bin/zq", "zq version --json 'C:\\zq\\fax.exe'"});
     command->callback(
         [&run, files, json] { run = [files, json] { return ShowVersions(*files, *json); }; });
 }
