@@ -29,6 +29,8 @@ paths = [e["path"] for e in json.loads(sys.argv[1])]
 assert any(p.endswith("zqclitest" + sys.argv[2] + ".trc") for p in paths), paths' "$out" "$$"
 rm -f "$trace_file"
 run 2 trace write "$name" --level 0 x
+run 1 trace write "$(printf 'x%.0s' {1..150})" x
+err_has "the trace file cannot be opened or made"
 run 2 trace
 
 # Mailboxes.

@@ -70,3 +70,10 @@ has "New York office  -> Nassau, Bahamas  8,*70,1-242-3561234        Long-distan
 has "== Version block of this program"
 has "Greeting = \"Grüß Gott\""
 has "\"atdt 0049 89 1234567\" -> \"ATDT 0049 89 1234567\""
+
+# A prefix that cannot hold a registry: the setup and info say why.
+touch not-a-folder
+run 1 --prefix "$PWD/not-a-folder" info
+err_has "zq setup: "
+err_has "ERROR_REGISTRY_IO_FAILED"
+err_has "zq info: key layout: cannot be derived"

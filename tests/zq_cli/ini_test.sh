@@ -68,6 +68,10 @@ assert json.loads(sys.argv[1]) == ["Window", "Modem", "Keys"]' "$out"
 run 1 ini sections ./missing.ini
 err_has "ERROR_FILE_NOT_FOUND"
 run 1 ini keys ./missing.ini Modem
+run 1 ini set ./demo.ini Modem "$(printf 'k%.0s' {1..300})" value
+err_has "(profile status 7)"
+run 1 ini delete "./$(printf 'f%.0s' {1..300}).ini" Modem
+err_has "(profile status 9)"
 run 2 ini set ./demo.ini Modem Speed fast --int
 run 2 ini set ./demo.ini Colors Text --color 300 0 0
 run 2 ini set ./demo.ini Window Size --rect 1 2 3

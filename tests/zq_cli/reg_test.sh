@@ -54,6 +54,9 @@ run 1 reg delete "$K\Nope"
 err_has "ERROR_FILE_NOT_FOUND"
 run 2 reg query 'Software\Zq'
 err_has "does not begin with a root key"
+long_name=$(printf 'k%.0s' {1..300})
+run 1 reg set "HKCU\\$long_name" x y
+err_has "(error 87, ERROR_INVALID_PARAMETER)"
 run 2 reg query 'HKCC\System'
 run 2 reg set -t REG_DWORD "$K" Retries many
 run 2 reg set -t REG_QWORD "$K" Retries 1
