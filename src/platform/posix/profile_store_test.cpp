@@ -399,6 +399,46 @@ TEST(ProfileFiles, WritesKeepPermissionsAndRefuseReadOnlyFiles) {
     EXPECT_EQ(Get(path, "S", "k"), "2");
 }
 
+// Refuses every open of one path, as for a file its user may not open (the
+// tests run as root, for whom the mode bits decide nothing).
+class NoAccessHost : public ForwardingHost {
+public:
+    explicit NoAccessHost(std::string path)
+        : ForwardingHost(SystemHost()), path_(std::move(path)) {}
+    int Open(const char* path, int flags, unsigned mode) override {
+        if (path_ == path) {
+            errno = EACCES;
+            return -1;
+        }
+        return ForwardingHost::Open(path, flags, mode);
+    }
+
+private:
+    std::string path_;
+};
+
+TEST(ProfileFiles, FileWithoutAccessReadsAsMissingAndIsNeverReplaced) {
+    const std::string folder = MakeScratchFolder("noaccess");
+    const std::string path = folder + "/n.ini";
+    const std::string original = "[S]\r\nk=1\r\n";
+    ASSERT_TRUE(WriteFileBytes(path, original));
+    NoAccessHost host(path);
+    {
+        ScopedHost scoped(host);
+        EXPECT_EQ(Get(path, "S", "k"), "<none>");
+        EXPECT_EQ(GetPrivateProfileIntA("S", "k", 9, path.c_str()), 9u);
+        char names[64] = "~~~~";
+        EXPECT_EQ(GetPrivateProfileSectionNamesA(names, sizeof names, path.c_str()), 0u);
+        EXPECT_EQ(names[0], '\0');  // as for a missing file
+        EXPECT_FALSE(Put(path, "S", "k", "2"));
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+        EXPECT_FALSE(Put(path, "S", nullptr, nullptr));
+    }
+    EXPECT_EQ(ReadFileBytes(path), original);
+    EXPECT_EQ(Files(folder), std::vector<std::string>{"n.ini"});  // no temporary left
+    EXPECT_EQ(Get(path, "S", "k"), "1");
+}
+
 TEST(ProfileFiles, WritesKeepDosAttributes) {
     const std::string path = MakeScratchFolder("attr") + "/a.ini";
     ASSERT_TRUE(WriteFileBytes(path, "[S]\r\nk=1\r\n"));

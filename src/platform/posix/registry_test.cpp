@@ -550,6 +550,29 @@ TEST_F(RegistryTest, PathsSkipEmptyComponentsAndRefuseALeadingBackslash) {
     EXPECT_EQ(SubkeyNames(root_), (std::vector<std::string>{std::string(255, 'k'), "x"}));
 }
 
+// Values and subkeys are separate name spaces: a path naming a value finds
+// no key, and creating one beside the value leaves the value alone.
+TEST_F(RegistryTest, AKeyPathThroughAValueFindsNoKey) {
+    SetDword(root_, "Shared", 7);
+    HKEY key = reinterpret_cast<HKEY>(1);
+    EXPECT_EQ(RegOpenKeyExA(root_, "Shared", 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(key, nullptr);
+    EXPECT_EQ(RegOpenKeyExA(root_, "Shared\\below", 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegDeleteKeyA(root_, "Shared"), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(Query(root_, "Shared"), Bytes("\x07\0\0\0", 4));
+
+    HKEY below = Create(root_, "shared\\below");
+    SetDword(below, "Shared", 8);
+    RegCloseKey(below);
+    EXPECT_EQ(SubkeyNames(root_), std::vector<std::string>{"shared"});
+    EXPECT_EQ(ValueNames(root_), std::vector<std::string>{"Shared"});
+    EXPECT_EQ(Query(root_, "Shared"), Bytes("\x07\0\0\0", 4));
+    EXPECT_EQ(RegDeleteValueA(root_, "SHARED"), ERROR_SUCCESS);
+    ASSERT_EQ(RegOpenKeyExA(root_, "Shared\\Below", 0, KEY_READ, &key), ERROR_SUCCESS);
+    EXPECT_EQ(Query(key, "Shared"), Bytes("\x08\0\0\0", 4));
+    RegCloseKey(key);
+}
+
 TEST_F(RegistryTest, DeleteKeyRefusesKeysWithSubkeysAndPredefinedKeys) {
     RegCloseKey(Create(root_, "x\\y\\z"));
     EXPECT_EQ(RegDeleteKeyA(root_, "nokey"), ERROR_FILE_NOT_FOUND);
