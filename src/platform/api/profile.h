@@ -48,9 +48,11 @@ ZQ_API DWORD WINAPI GetPrivateProfileStringA(LPCSTR lpAppName, LPCSTR lpKeyName,
  * and the section at the end of the file when they are missing; the file is
  * created when it does not exist (its folder must). lpString NULL removes
  * the key; lpKeyName NULL removes the whole section (lpString is then not
- * used). A removal in a file that does not exist creates it empty. With all
- * three names NULL nothing is written and TRUE is returned (writes are
- * never held back, so there is nothing to flush). Returns FALSE and sets the
+ * used). A removal in a file that does not exist creates it empty. Every
+ * write reaches the file before the call returns (a crash of the process
+ * leaves the old or the new file), but is not synced to the disk: with all
+ * three names NULL the file and its folder are synced instead, after which
+ * the file also survives a power failure. Returns FALSE and sets the
  * last error on failure: ERROR_FILE_NOT_FOUND for a NULL section with a key
  * or value, ERROR_PATH_NOT_FOUND for a missing folder, ERROR_ACCESS_DENIED
  * for a read-only file, ERROR_SHARING_VIOLATION when another writer holds

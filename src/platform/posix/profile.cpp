@@ -25,6 +25,16 @@ ProfileStore::Snapshot ReadProfile(const char* file_name) {
     return snapshot;
 }
 
+// The flush form of the write functions: the file reaches the disk.
+BOOL FlushProfile(const char* file_name) {
+    const DWORD error = ProfileStore::Instance().Flush(file_name ? file_name : kWinIni);
+    if (error != ERROR_SUCCESS) {
+        SetLastError(error);
+        return FALSE;
+    }
+    return TRUE;
+}
+
 BOOL ModifyProfile(const char* file_name, const ProfileStore::Edit& edit) {
     const DWORD error = ProfileStore::Instance().Modify(file_name ? file_name : kWinIni, edit);
     if (error != ERROR_SUCCESS) {
@@ -219,7 +229,7 @@ BOOL WINAPI WritePrivateProfileStringA(LPCSTR lpAppName, LPCSTR lpKeyName, LPCST
                                        LPCSTR lpFileName) {
     if (!lpAppName) {
         if (!lpKeyName && !lpString) {
-            return TRUE;  // flush: every write has already reached the disk
+            return FlushProfile(lpFileName);
         }
         SetLastError(ERROR_FILE_NOT_FOUND);
         return FALSE;
@@ -277,7 +287,7 @@ DWORD WINAPI GetPrivateProfileSectionA(LPCSTR lpAppName, LPSTR lpReturnedString,
 BOOL WINAPI WritePrivateProfileSectionA(LPCSTR lpAppName, LPCSTR lpString, LPCSTR lpFileName) {
     if (!lpAppName) {
         if (!lpString) {
-            return TRUE;  // flush, as WritePrivateProfileStringA
+            return FlushProfile(lpFileName);
         }
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;

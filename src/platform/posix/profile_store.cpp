@@ -190,6 +190,27 @@ void ProfileStore::Clear() {
     state_->files.clear();
 }
 
+DWORD ProfileStore::Flush(const std::string& name) {
+    Host& host = CurrentHost();
+    DWORD error = ERROR_SUCCESS;
+    const std::string path = resolver_(name, error);
+    if (path.empty()) {
+        return error;
+    }
+    const int fd = host.Open(path.c_str(), O_RDONLY | O_NONBLOCK, 0);
+    if (fd < 0) {
+        return errno == ENOENT ? ERROR_SUCCESS : Win32ErrorFromErrno(errno, path);
+    }
+    const int rc = host.Fsync(fd);
+    const int sync_error = errno;
+    host.Close(fd);
+    if (rc != 0 && sync_error != EINVAL) {
+        return Win32ErrorFromErrno(sync_error, path);
+    }
+    SyncFolder(host, FolderOf(path));  // makes the last rename durable too
+    return ERROR_SUCCESS;
+}
+
 void ProfileStore::SetLockTimeoutForTesting(uint32_t millis) {
     state_->lock_timeout = millis;
 }
@@ -366,7 +387,7 @@ DWORD OpenLocked(Host& host, const std::string& path, uint32_t timeout, LockedFi
 }
 
 // Writes `bytes` to a temporary file beside `path` with the permissions of
-// `old`, syncs it and renames it over `path`. On success `out_fd` is open
+// `old` and renames it over `path`. On success `out_fd` is open
 // on the new file.
 DWORD ReplaceFile(Host& host, const std::string& path, const std::string& bytes,
                   const struct stat& old, int& out_fd) {
@@ -385,10 +406,10 @@ DWORD ReplaceFile(Host& host, const std::string& path, const std::string& bytes,
     if (kept_bits != 0) {
         StoreKeptBits(temporary, kept_bits);  // where the file system keeps them at all
     }
+    // No sync here: the bytes are the kernel's once written, so a crash of
+    // this process leaves the old or the new file; Flush syncs on request.
     int error = 0;
     if (!WriteAll(host, fd, bytes)) {
-        error = errno;
-    } else if (host.Fsync(fd) != 0) {
         error = errno;
     } else if (host.Rename(temporary.c_str(), path.c_str()) != 0) {
         error = errno;
@@ -398,7 +419,6 @@ DWORD ReplaceFile(Host& host, const std::string& path, const std::string& bytes,
         host.Unlink(temporary.c_str());
         return Win32ErrorFromErrno(error, path);
     }
-    SyncFolder(host, FolderOf(path));
     out_fd = fd;
     return ERROR_SUCCESS;
 }

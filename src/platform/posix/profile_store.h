@@ -16,10 +16,12 @@
 // itself, re-checked after locking so that a lock on a file that was just
 // replaced is not trusted), reads the file again under the lock, applies the
 // edit and writes the result to a temporary file in the same folder
-// (".<name>.zq-tmp", same permission bits), which is synced, renamed over
-// the file, and followed by a sync of the folder. Two processes writing
-// different keys of one file therefore lose nothing, and a crash leaves
-// either the old or the new file, never a part of one. A lock held by
+// (".<name>.zq-tmp", same permission bits), which is renamed over the
+// file. Two processes writing different keys of one file therefore lose
+// nothing, and a crash of a writer leaves either the old or the new file,
+// never a part of one. Writes are not synced (a sync costs several
+// milliseconds, more than the write); Flush syncs a file and its folder,
+// after which the file also survives a power failure. A lock held by
 // another writer is waited for up to the lock timeout (3 s), after which
 // the write fails with ERROR_SHARING_VIOLATION. File operations that tests
 // may want to break go through the Host seam.
@@ -90,6 +92,10 @@ public:
     // new file.
     DWORD Modify(const std::string& name, const Edit& edit);
 
+    // Syncs the file called `name` and its folder to the disk. Returns
+    // ERROR_SUCCESS (also for a missing file) or the Win32 error of the
+    // name's resolution, the open or the sync.
+    DWORD Flush(const std::string& name);
     // Forgets every cached file (closing its descriptor).
     void Clear();
 

@@ -363,6 +363,43 @@ TEST(ProfileFailure, FullDiskKeepsTheOldFile) {
     EXPECT_EQ(Files(folder), std::vector<std::string>{"f.ini"});
 }
 
+// Writes are not synced; the flush form syncs the file and its folder.
+class SyncCountingHost : public ForwardingHost {
+public:
+    SyncCountingHost() : ForwardingHost(SystemHost()) {}
+    int syncs = 0;
+    int sync_error = 0;
+    int Fsync(int fd) override {
+        ++syncs;
+        if (sync_error) {
+            errno = sync_error;
+            return -1;
+        }
+        return ForwardingHost::Fsync(fd);
+    }
+};
+
+TEST(ProfileFlush, OnlyTheFlushFormSyncs) {
+    const std::string path = MakeScratchFolder("flush") + "/f.ini";
+    SyncCountingHost host;
+    ScopedHost scoped(host);
+    EXPECT_TRUE(Put(path, "S", "k", "1"));
+    EXPECT_TRUE(Put(path, "S", "k", "2"));
+    EXPECT_TRUE(WritePrivateProfileSectionA("T", "a=1\0", path.c_str()));
+    EXPECT_EQ(host.syncs, 0);
+    EXPECT_TRUE(WritePrivateProfileStringA(nullptr, nullptr, nullptr, path.c_str()));
+    EXPECT_EQ(host.syncs, 2);  // the file, then its folder
+    EXPECT_TRUE(WritePrivateProfileSectionA(nullptr, nullptr, path.c_str()));
+    EXPECT_EQ(host.syncs, 4);
+    EXPECT_TRUE(WritePrivateProfileStringA(nullptr, nullptr, nullptr, (path + ".none").c_str()));
+    EXPECT_EQ(host.syncs, 4);  // nothing to sync for a missing file
+    host.sync_error = EIO;
+    SetLastError(0);
+    EXPECT_FALSE(WritePrivateProfileStringA(nullptr, nullptr, nullptr, path.c_str()));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_GEN_FAILURE));
+    EXPECT_EQ(ReadFileBytes(path), "[S]\r\nk=2\r\n[T]\r\na=1\r\n");
+}
+
 TEST(ProfileFailure, HeldLockTimesOutCleanly) {
     const std::string path = MakeScratchFolder("lock") + "/l.ini";
     ASSERT_TRUE(WriteFileBytes(path, "[S]\r\nk=1\r\n"));
