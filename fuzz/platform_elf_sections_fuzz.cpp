@@ -10,7 +10,8 @@ using namespace zq::platform::internal;
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     MemoryByteSource source(data, size);
     std::vector<uint8_t> section;
-    if (ReadElfSection(source, ".rsrc", &section) == 0 && section.size() > size) __builtin_trap();
+    if (ReadElfSection(source, ".rsrc", &section) == 0 && section.size() > size)
+        __builtin_trap();
     ImageResources resources;
     ReadImageResources(source, nullptr, &resources);
     return 0;

@@ -13,8 +13,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const ResourceName version = ResourceName::Id(16);
     if (ReadPeResources(source, &version, &versions) == 0) {
         for (const ResourceEntry& entry : versions.entries) {
-            if (!entry.type.Matches(version)) continue;
-            if (entry.offset > versions.bytes.size() || entry.size > versions.bytes.size() - entry.offset) {
+            if (!entry.type.Matches(version))
+                continue;
+            if (entry.offset > versions.bytes.size() ||
+                entry.size > versions.bytes.size() - entry.offset) {
                 __builtin_trap();
             }
         }

@@ -11,7 +11,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::vector<ResourceEntry> entries;
     ParseResImage(ByteView(data, size), 0, &entries);
     for (const ResourceEntry& entry : entries) {
-        if (entry.offset > size || entry.size > size - entry.offset) __builtin_trap();  // entries stay inside
+        if (entry.offset > size || entry.size > size - entry.offset)
+            __builtin_trap();  // entries stay inside
     }
     LookupFailure failure;
     SelectResource(entries, ResourceName::Id(16), ResourceName::Id(1), 0, &failure);

@@ -28,13 +28,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             __builtin_trap();
         }
     }
-    if (size < 2) return 0;
+    if (size < 2)
+        return 0;
     // The block's own length decides how much VerQueryValueA may touch.
     const size_t length = data[0] | (data[1] << 8);
     std::vector<uint8_t> buffer(length * 2 + 4 > size ? length * 2 + 4 : size, 0);
     std::memcpy(buffer.data(), data, size);
     // The signature goes behind the block, never over its length field.
-    if (length >= 2 && length + 4 <= buffer.size()) std::memcpy(buffer.data() + length, "FE2X", 4);
+    if (length >= 2 && length + 4 <= buffer.size())
+        std::memcpy(buffer.data() + length, "FE2X", 4);
     for (const char* path : kPaths) {
         void* value = nullptr;
         UINT value_length = 0;
@@ -42,7 +44,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             auto* bytes = static_cast<uint8_t*>(value);
             if (bytes < buffer.data() || bytes + value_length > buffer.data() + buffer.size()) {
                 // Texts without room behind the block come from elsewhere; binary values never do.
-                if (bytes >= buffer.data() && bytes < buffer.data() + buffer.size()) __builtin_trap();
+                if (bytes >= buffer.data() && bytes < buffer.data() + buffer.size())
+                    __builtin_trap();
             }
         }
     }

@@ -8,31 +8,31 @@
 #define ZQ_PLATFORM_WIN32_H
 
 #ifdef _WIN32
-#include <windows.h>
 #include <direct.h>
+#include <windows.h>
 #else
-#include "platform/api/types.h"
+#include "platform/api/crt.h"
 #include "platform/api/error.h"
-#include "platform/api/thread.h"
-#include "platform/api/time.h"
+#include "platform/api/eventlog.h"
+#include "platform/api/file.h"
+#include "platform/api/gdi.h"
+#include "platform/api/locale.h"
+#include "platform/api/memory.h"
+#include "platform/api/menu.h"
+#include "platform/api/module.h"
+#include "platform/api/process.h"
+#include "platform/api/profile.h"
+#include "platform/api/registry.h"
+#include "platform/api/resource.h"
+#include "platform/api/security.h"
 #include "platform/api/strings.h"
 #include "platform/api/system.h"
-#include "platform/api/memory.h"
-#include "platform/api/locale.h"
-#include "platform/api/file.h"
-#include "platform/api/module.h"
-#include "platform/api/resource.h"
-#include "platform/api/version.h"
-#include "platform/api/registry.h"
-#include "platform/api/profile.h"
-#include "platform/api/process.h"
-#include "platform/api/security.h"
-#include "platform/api/eventlog.h"
-#include "platform/api/window.h"
-#include "platform/api/menu.h"
-#include "platform/api/gdi.h"
 #include "platform/api/tapi.h"
-#include "platform/api/crt.h"
+#include "platform/api/thread.h"
+#include "platform/api/time.h"
+#include "platform/api/types.h"
+#include "platform/api/version.h"
+#include "platform/api/window.h"
 #endif
 
 #endif /* ZQ_PLATFORM_WIN32_H */

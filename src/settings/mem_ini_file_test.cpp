@@ -74,8 +74,9 @@ protected:
 // ---- Loading -------------------------------------------------------------
 
 TEST_F(MemIniFileTest, LoadsSectionsAndKeysInFileOrderSkippingEmptyValues) {
-    Store("; comment\r\n[Zeta]\r\nb=2\r\na=1\r\nEmpty=\r\n[Alpha]\r\nx = spaced \r\n"
-          "[Blank]\r\nOnly=\r\n");
+    Store(
+        "; comment\r\n[Zeta]\r\nb=2\r\na=1\r\nEmpty=\r\n[Alpha]\r\nx = spaced \r\n"
+        "[Blank]\r\nOnly=\r\n");
     EXPECT_EQ(ini_.LoadIniFile(path_.c_str(), nullptr), kOk);
     EXPECT_EQ(ini_.SectionOrder(), (std::vector<std::string>{"Zeta", "Alpha", "Blank"}));
     EXPECT_EQ(ini_.KeyOrder("Zeta"), (std::vector<std::string>{"b", "a"}));
@@ -148,8 +149,8 @@ TEST_F(MemIniFileTest, FileWithoutSectionsOrNotAFileLoadsNothing) {
 TEST_F(MemIniFileTest, LongValuesAreCutAndOverlongNamesSkipped) {
     const std::string key300(300, 'k');
     const std::string section1100(1100, 's');
-    Store("[S]\r\nExact=" + std::string(4095, 'e') + "\r\nLong=" + std::string(5000, 'l') +
-          "\r\n" + key300 + "=x\r\nAfter=1\r\n[" + section1100 + "]\r\nK=v\r\n[T]\r\nK=w\r\n");
+    Store("[S]\r\nExact=" + std::string(4095, 'e') + "\r\nLong=" + std::string(5000, 'l') + "\r\n" +
+          key300 + "=x\r\nAfter=1\r\n[" + section1100 + "]\r\nK=v\r\n[T]\r\nK=w\r\n");
     EXPECT_EQ(ini_.LoadIniFile(path_.c_str(), nullptr), kOk);
     EXPECT_EQ(ini_.Value("S", "Exact"), std::string(4095, 'e'));
     // Loaded through a 4096-character read: 4095 characters stay.

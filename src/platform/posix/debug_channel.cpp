@@ -10,8 +10,8 @@ namespace zq::platform::internal {
 namespace {
 
 constexpr const char* kNames[kDebugChannelCount] = {
-    "registry", "profile", "file", "module", "resource", "version", "locale", "process", "window", "tapi",
-    "debugstring",
+    "registry", "profile", "file",   "module", "resource",    "version",
+    "locale",   "process", "window", "tapi",   "debugstring",
 };
 
 unsigned ParseChannels() {

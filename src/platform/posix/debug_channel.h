@@ -25,15 +25,14 @@ enum DebugChannel : unsigned {
 };
 
 bool DebugChannelEnabled(DebugChannel channel);
-void DebugPrint(DebugChannel channel, const char* format, ...) __attribute__((format(printf, 2, 3)));
+void DebugPrint(DebugChannel channel, const char* format, ...)
+    __attribute__((format(printf, 2, 3)));
 
 }  // namespace zq::platform::internal
 
-#define ZQ_TRACE(channel, ...)                                                   \
-    do {                                                                         \
-        if (::zq::platform::internal::DebugChannelEnabled(                       \
-                ::zq::platform::internal::channel)) {                            \
-            ::zq::platform::internal::DebugPrint(::zq::platform::internal::channel, \
-                                                 __VA_ARGS__);                   \
-        }                                                                        \
+#define ZQ_TRACE(channel, ...)                                                                    \
+    do {                                                                                          \
+        if (::zq::platform::internal::DebugChannelEnabled(::zq::platform::internal::channel)) {   \
+            ::zq::platform::internal::DebugPrint(::zq::platform::internal::channel, __VA_ARGS__); \
+        }                                                                                         \
     } while (0)

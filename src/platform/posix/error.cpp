@@ -10,12 +10,20 @@ std::atomic<UINT> g_error_mode{0};
 
 extern "C" {
 
-DWORD WINAPI GetLastError(void) { return t_last_error; }
+DWORD WINAPI GetLastError(void) {
+    return t_last_error;
+}
 
-void WINAPI SetLastError(DWORD dwErrCode) { t_last_error = dwErrCode; }
+void WINAPI SetLastError(DWORD dwErrCode) {
+    t_last_error = dwErrCode;
+}
 
-void WINAPI SetLastErrorEx(DWORD dwErrCode, DWORD /*dwType*/) { t_last_error = dwErrCode; }
+void WINAPI SetLastErrorEx(DWORD dwErrCode, DWORD /*dwType*/) {
+    t_last_error = dwErrCode;
+}
 
-UINT WINAPI SetErrorMode(UINT uMode) { return g_error_mode.exchange(uMode); }
+UINT WINAPI SetErrorMode(UINT uMode) {
+    return g_error_mode.exchange(uMode);
+}
 
 }  // extern "C"

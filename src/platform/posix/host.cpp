@@ -52,7 +52,8 @@ public:
     uint64_t MonotonicMillis() override {
         timespec ts;
         clock_gettime(CLOCK_MONOTONIC, &ts);
-        return static_cast<uint64_t>(ts.tv_sec) * 1000u + static_cast<uint64_t>(ts.tv_nsec) / 1000000u;
+        return static_cast<uint64_t>(ts.tv_sec) * 1000u +
+               static_cast<uint64_t>(ts.tv_nsec) / 1000000u;
     }
     int64_t RealTimeNanos() override {
         timespec ts;

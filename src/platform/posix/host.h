@@ -55,10 +55,16 @@ Host* SetHostForTesting(Host* host);
 class ForwardingHost : public Host {
 public:
     explicit ForwardingHost(Host& target) : target_(target) {}
-    int Open(const char* path, int flags, unsigned mode) override { return target_.Open(path, flags, mode); }
+    int Open(const char* path, int flags, unsigned mode) override {
+        return target_.Open(path, flags, mode);
+    }
     int Close(int fd) override { return target_.Close(fd); }
-    ssize_t Read(int fd, void* buffer, size_t size) override { return target_.Read(fd, buffer, size); }
-    ssize_t Write(int fd, const void* data, size_t size) override { return target_.Write(fd, data, size); }
+    ssize_t Read(int fd, void* buffer, size_t size) override {
+        return target_.Read(fd, buffer, size);
+    }
+    ssize_t Write(int fd, const void* data, size_t size) override {
+        return target_.Write(fd, data, size);
+    }
     int Fsync(int fd) override { return target_.Fsync(fd); }
     int Rename(const char* from, const char* to) override { return target_.Rename(from, to); }
     int Unlink(const char* path) override { return target_.Unlink(path); }

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "platform/posix/debug_channel.h"
-#include "platform/posix/loaded_modules.h"
 #include "platform/posix/dos_path.h"
+#include "platform/posix/loaded_modules.h"
 #include "platform/win32.h"
 
 namespace zq::platform::internal {
@@ -97,7 +97,8 @@ HMODULE FindLoadedByName(const char* name) {
     std::vector<LoadedModule> modules = ListLoadedModules();
     if (HasFolder(name)) {
         UnixPath converted = DosToUnix(name);
-        if (!converted) return {};
+        if (!converted)
+            return {};
         const std::string& unix_path = converted.path;
         std::string derived = Folder(unix_path) + "/" + DerivedFileName(BaseName(unix_path));
         for (const LoadedModule& module : modules) {
@@ -120,7 +121,8 @@ HMODULE FindLoadedByName(const char* name) {
 std::string LocateModuleFile(const char* name) {
     if (HasFolder(name)) {
         UnixPath converted = DosToUnix(name);
-        if (!converted) return {};
+        if (!converted)
+            return {};
         const std::string& unix_path = converted.path;
         if (IsRegularFile(unix_path))
             return unix_path;

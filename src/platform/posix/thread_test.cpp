@@ -33,14 +33,16 @@ TEST(ThreadLocalStorage, RunsOutAndRecovers) {
     std::vector<DWORD> slots;
     for (;;) {
         DWORD slot = TlsAlloc();
-        if (slot == TLS_OUT_OF_INDEXES) break;
+        if (slot == TLS_OUT_OF_INDEXES)
+            break;
         slots.push_back(slot);
     }
     EXPECT_GE(slots.size(), 60u);
     EXPECT_TRUE(TlsFree(slots.back()));
     DWORD again = TlsAlloc();
     EXPECT_EQ(again, slots.back());
-    for (DWORD slot : slots) TlsFree(slot);
+    for (DWORD slot : slots)
+        TlsFree(slot);
 }
 
 TEST(LastError, IsPerThread) {

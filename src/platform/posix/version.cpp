@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "platform/posix/debug_channel.h"
-#include "platform/posix/image_resources.h"
 #include "platform/posix/dos_path.h"
+#include "platform/posix/image_resources.h"
 #include "platform/posix/resource_text.h"
 #include "platform/posix/version_block.h"
 #include "platform/posix/win32_errno.h"
@@ -125,7 +125,8 @@ BOOL WINAPI VerQueryValueA(LPCVOID pBlock, LPCSTR lpSubBlock, LPVOID* lplpBuffer
     if (!IsWideVersionBlock(block) || !node.text) {
         *lplpBuffer = const_cast<uint8_t*>(base + node.value_offset);
         if (puLen)
-            *puLen = static_cast<UINT>(node.value_bytes);  // a length past the node is cut to the node
+            *puLen =
+                static_cast<UINT>(node.value_bytes);  // a length past the node is cut to the node
         return TRUE;
     }
 

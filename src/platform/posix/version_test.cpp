@@ -188,7 +188,8 @@ TEST(VersionInfo, WithoutTheRoomBehindTheBlockTextsStillComeBack) {
     const std::string before = block;
     void* pointer = nullptr;
     UINT length = 0;
-    ASSERT_TRUE(VerQueryValueA(block.data(), "\\StringFileInfo\\040904E4\\ProductName", &pointer, &length));
+    ASSERT_TRUE(
+        VerQueryValueA(block.data(), "\\StringFileInfo\\040904E4\\ProductName", &pointer, &length));
     EXPECT_EQ(length, 13u);
     EXPECT_STREQ(static_cast<const char*>(pointer), "Oracle Probe");
     EXPECT_EQ(block, before);  // nothing written into the caller's block

@@ -18,75 +18,114 @@
 
 /* Formats one conversion of a Windows-runtime format (conversion points at '%')
  * into out; returns the number of format characters used. */
-static size_t zq_probe_convert(const char *conversion, va_list *args, char *out, size_t out_size)
-{
+static size_t zq_probe_convert(const char* conversion, va_list* args, char* out, size_t out_size) {
     char plain[64];
     size_t n = 1, p = 1;
     int wide = 0, narrow = 0, i64 = 0;
     plain[0] = '%';
-    while (conversion[n] && strchr("-+ #0123456789.", conversion[n]) && p < sizeof plain - 8) plain[p++] = conversion[n++];
+    while (conversion[n] && strchr("-+ #0123456789.", conversion[n]) && p < sizeof plain - 8)
+        plain[p++] = conversion[n++];
     for (;;) {
-        if (conversion[n] == 'I' && conversion[n + 1] == '6' && conversion[n + 2] == '4') { i64 = 1; n += 3; }
-        else if (conversion[n] == 'I' && conversion[n + 1] == '3' && conversion[n + 2] == '2') { n += 3; }
-        else if (conversion[n] == 'l' && conversion[n + 1] == 'l') { i64 = 1; n += 2; }
-        else if (conversion[n] == 'l') { wide = 1; n += 1; }
-        else if (conversion[n] == 'w') { wide = 1; n += 1; }
-        else if (conversion[n] == 'h') { narrow = 1; n += 1; }
-        else break;
+        if (conversion[n] == 'I' && conversion[n + 1] == '6' && conversion[n + 2] == '4') {
+            i64 = 1;
+            n += 3;
+        } else if (conversion[n] == 'I' && conversion[n + 1] == '3' && conversion[n + 2] == '2') {
+            n += 3;
+        } else if (conversion[n] == 'l' && conversion[n + 1] == 'l') {
+            i64 = 1;
+            n += 2;
+        } else if (conversion[n] == 'l') {
+            wide = 1;
+            n += 1;
+        } else if (conversion[n] == 'w') {
+            wide = 1;
+            n += 1;
+        } else if (conversion[n] == 'h') {
+            narrow = 1;
+            n += 1;
+        } else
+            break;
     }
     char type = conversion[n];
-    if (!type) { out[0] = 0; return n; }
+    if (!type) {
+        out[0] = 0;
+        return n;
+    }
     n++;
     switch (type) {
-    case 'd': case 'i': case 'u': case 'x': case 'X': case 'o':
-        if (i64) { plain[p++] = 'l'; plain[p++] = 'l'; plain[p++] = type; plain[p] = 0;
-                   snprintf(out, out_size, plain, va_arg(*args, long long)); }
-        else {  /* 'l' is 32 bits in the Windows runtime, like int */ plain[p++] = type; plain[p] = 0; snprintf(out, out_size, plain, va_arg(*args, int)); }
-        break;
-    case 'c': case 'C':
-        plain[p++] = 'c'; plain[p] = 0;
-        snprintf(out, out_size, plain, va_arg(*args, int));
-        break;
-    case 's': case 'S': {
-        int is_wide = type == 'S' ? !narrow : wide;
-        plain[p++] = 's'; plain[p] = 0;
-        if (is_wide) {
-            const WCHAR *w = va_arg(*args, const WCHAR *);
-            char buffer[1024];
-            if (!w) snprintf(out, out_size, plain, "(null)");
-            else {
-                int r = WideCharToMultiByte(CP_ACP, 0, w, -1, buffer, sizeof buffer, NULL, NULL);
-                if (r <= 0) buffer[0] = 0;
-                snprintf(out, out_size, plain, buffer);
+        case 'd':
+        case 'i':
+        case 'u':
+        case 'x':
+        case 'X':
+        case 'o':
+            if (i64) {
+                plain[p++] = 'l';
+                plain[p++] = 'l';
+                plain[p++] = type;
+                plain[p] = 0;
+                snprintf(out, out_size, plain, va_arg(*args, long long));
+            } else { /* 'l' is 32 bits in the Windows runtime, like int */
+                plain[p++] = type;
+                plain[p] = 0;
+                snprintf(out, out_size, plain, va_arg(*args, int));
             }
-        } else {
-            const char *s = va_arg(*args, const char *);
-            snprintf(out, out_size, plain, s ? s : "(null)");
+            break;
+        case 'c':
+        case 'C':
+            plain[p++] = 'c';
+            plain[p] = 0;
+            snprintf(out, out_size, plain, va_arg(*args, int));
+            break;
+        case 's':
+        case 'S': {
+            int is_wide = type == 'S' ? !narrow : wide;
+            plain[p++] = 's';
+            plain[p] = 0;
+            if (is_wide) {
+                const WCHAR* w = va_arg(*args, const WCHAR*);
+                char buffer[1024];
+                if (!w)
+                    snprintf(out, out_size, plain, "(null)");
+                else {
+                    int r =
+                        WideCharToMultiByte(CP_ACP, 0, w, -1, buffer, sizeof buffer, NULL, NULL);
+                    if (r <= 0)
+                        buffer[0] = 0;
+                    snprintf(out, out_size, plain, buffer);
+                }
+            } else {
+                const char* s = va_arg(*args, const char*);
+                snprintf(out, out_size, plain, s ? s : "(null)");
+            }
+            break;
         }
-        break;
-    }
-    case 'p':
-        snprintf(out, out_size, "%0*llX", (int)(2 * sizeof(void *)),
-                 (unsigned long long)(size_t)va_arg(*args, void *));
-        break;
-    case 'e': case 'E': case 'f': case 'g': case 'G':
-        plain[p++] = type; plain[p] = 0;
-        snprintf(out, out_size, plain, va_arg(*args, double));
-        break;
-    case '%':
-        snprintf(out, out_size, "%%");
-        break;
-    default:
-        snprintf(out, out_size, "%c", type);
-        break;
+        case 'p':
+            snprintf(out, out_size, "%0*llX", (int)(2 * sizeof(void*)),
+                     (unsigned long long)(size_t)va_arg(*args, void*));
+            break;
+        case 'e':
+        case 'E':
+        case 'f':
+        case 'g':
+        case 'G':
+            plain[p++] = type;
+            plain[p] = 0;
+            snprintf(out, out_size, plain, va_arg(*args, double));
+            break;
+        case '%':
+            snprintf(out, out_size, "%%");
+            break;
+        default:
+            snprintf(out, out_size, "%c", type);
+            break;
     }
     return n;
 }
 
 /* vsprintf with the Windows runtime's conversions; the result is cut at
  * out_size - 1 characters. */
-static int zq_probe_vformat(char *out, size_t out_size, const char *format, va_list args)
-{
+static int zq_probe_vformat(char* out, size_t out_size, const char* format, va_list args) {
     size_t used = 0;
     va_list copy;
     va_copy(copy, args);
@@ -100,7 +139,8 @@ static int zq_probe_vformat(char *out, size_t out_size, const char *format, va_l
             format += zq_probe_convert(format, &copy, piece, sizeof piece);
             piece_length = strlen(piece);
         }
-        if (used + piece_length >= out_size) piece_length = out_size - 1 - used;
+        if (used + piece_length >= out_size)
+            piece_length = out_size - 1 - used;
         memcpy(out + used, piece, piece_length);
         used += piece_length;
     }
@@ -109,8 +149,7 @@ static int zq_probe_vformat(char *out, size_t out_size, const char *format, va_l
     return (int)used;
 }
 
-static int zq_probe_printf(const char *format, ...)
-{
+static int zq_probe_printf(const char* format, ...) {
     char buffer[8192];
     va_list args;
     int n;
@@ -121,8 +160,7 @@ static int zq_probe_printf(const char *format, ...)
     return n;
 }
 
-static int zq_probe_sprintf(char *out, const char *format, ...)
-{
+static int zq_probe_sprintf(char* out, const char* format, ...) {
     va_list args;
     int n;
     va_start(args, format);
@@ -134,13 +172,12 @@ static int zq_probe_sprintf(char *out, const char *format, ...)
 /* fopen of a DOS path, as the Windows runtime takes it: C: is the prefix's
  * drive_c folder and Z: the Unix root, '\\' separates; other names pass as
  * they are. Names are not matched without regard to case. */
-static FILE *zq_probe_fopen(const char *path, const char *mode)
-{
+static FILE* zq_probe_fopen(const char* path, const char* mode) {
     char unix_path[4096];
-    const char *rest = path;
+    const char* rest = path;
     int used = 0;
     if ((path[0] == 'C' || path[0] == 'c') && path[1] == ':') {
-        const char *prefix = getenv("ZQ_PREFIX");
+        const char* prefix = getenv("ZQ_PREFIX");
         used = snprintf(unix_path, sizeof unix_path, "%s/drive_c", prefix ? prefix : ".");
         rest = path + 2;
     } else if ((path[0] == 'Z' || path[0] == 'z') && path[1] == ':') {
@@ -148,8 +185,10 @@ static FILE *zq_probe_fopen(const char *path, const char *mode)
     } else if (!strchr(path, '\\')) {
         return fopen(path, mode);
     }
-    if (used < 0 || used >= (int)sizeof unix_path) return NULL;
-    for (; *rest && used + 1 < (int)sizeof unix_path; ++rest) unix_path[used++] = *rest == '\\' ? '/' : *rest;
+    if (used < 0 || used >= (int)sizeof unix_path)
+        return NULL;
+    for (; *rest && used + 1 < (int)sizeof unix_path; ++rest)
+        unix_path[used++] = *rest == '\\' ? '/' : *rest;
     unix_path[used] = 0;
     return fopen(unix_path, mode);
 }
