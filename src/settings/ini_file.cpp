@@ -45,6 +45,32 @@ void CopyName(char* target, const char* source, size_t length) {
     target[length] = '\0';
 }
 
+// The getters of the stored names: the buffer must hold the name's full
+// capacity, whatever the name's length.
+DWORD GetStoredName(const char* stored, int capacity, char* lpszBuffer, int nSize) {
+    if (lpszBuffer == nullptr) {
+        return CZqIniFile::kStatusNoBuffer;
+    }
+    if (nSize < capacity + 1) {
+        return CZqIniFile::kStatusBufferTooSmall;
+    }
+    std::strcpy(lpszBuffer, stored);
+    return CZqIniFile::kStatusSuccess;
+}
+
+// The setters of the stored names; dwMissing is the status of a null name.
+DWORD SetStoredName(char* stored, int capacity, const char* lpszName, DWORD dwMissing) {
+    if (lpszName == nullptr) {
+        return dwMissing;
+    }
+    const size_t length = BoundedLength(lpszName, static_cast<size_t>(capacity));
+    if (length > static_cast<size_t>(capacity)) {
+        return CZqIniFile::kStatusTooLong;
+    }
+    CopyName(stored, lpszName, length);
+    return CZqIniFile::kStatusSuccess;
+}
+
 // Feeds up to count fields of text, split at the record delimiters, to
 // store(index, field); fields that are not there leave their target alone.
 template <class Store>
@@ -589,47 +615,17 @@ void CZqIniFile::FlushCache() {
 // ---- Names --------------------------------------------------------------
 
 DWORD CZqIniFile::GetFileName(char* lpszBuffer, int nSize) {
-    if (lpszBuffer == nullptr) {
-        return kStatusNoBuffer;
-    }
-    if (nSize < kMaxFileName + 1) {
-        return kStatusBufferTooSmall;  // the full capacity, whatever the name's length
-    }
-    std::strcpy(lpszBuffer, m_szFileName);
-    return kStatusSuccess;
+    return GetStoredName(m_szFileName, kMaxFileName, lpszBuffer, nSize);
 }
 
 DWORD CZqIniFile::SetFileName(const char* lpszFileName) {
-    if (lpszFileName == nullptr) {
-        return kStatusNoFileNameGiven;
-    }
-    const size_t length = BoundedLength(lpszFileName, kMaxFileName);
-    if (length > static_cast<size_t>(kMaxFileName)) {
-        return kStatusTooLong;
-    }
-    CopyName(m_szFileName, lpszFileName, length);
-    return kStatusSuccess;
+    return SetStoredName(m_szFileName, kMaxFileName, lpszFileName, kStatusNoFileNameGiven);
 }
 
 DWORD CZqIniFile::GetSection(char* lpszBuffer, int nSize) {
-    if (lpszBuffer == nullptr) {
-        return kStatusNoBuffer;
-    }
-    if (nSize < kMaxSection + 1) {
-        return kStatusBufferTooSmall;  // the full capacity, whatever the name's length
-    }
-    std::strcpy(lpszBuffer, m_szSection);
-    return kStatusSuccess;
+    return GetStoredName(m_szSection, kMaxSection, lpszBuffer, nSize);
 }
 
 DWORD CZqIniFile::SetSection(const char* lpszSection) {
-    if (lpszSection == nullptr) {
-        return kStatusNoSectionGiven;
-    }
-    const size_t length = BoundedLength(lpszSection, kMaxSection);
-    if (length > static_cast<size_t>(kMaxSection)) {
-        return kStatusTooLong;
-    }
-    CopyName(m_szSection, lpszSection, length);
-    return kStatusSuccess;
+    return SetStoredName(m_szSection, kMaxSection, lpszSection, kStatusNoSectionGiven);
 }

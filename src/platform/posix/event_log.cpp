@@ -430,21 +430,28 @@ BOOL WINAPI ReadEventLogA(HANDLE hEventLog, DWORD dwReadFlags, DWORD dwRecordOff
     return TRUE;
 }
 
-BOOL WINAPI GetNumberOfEventLogRecords(HANDLE hEventLog, PDWORD NumberOfRecords) {
+// The records of an open event log, for the queries that answer through
+// pResult: the handle and the result pointer are checked first.
+static bool LoadContentsOfHandle(HANDLE hEventLog, const void* pResult,
+                                 EventLogContents* contents) {
     if (!RunningOnNt()) {
-        return FALSE;
+        return false;
     }
     std::shared_ptr<EventLogObject> log = LookupHandleAs<EventLogObject>(hEventLog);
     if (!log) {
         SetLastError(ERROR_INVALID_HANDLE);
-        return FALSE;
+        return false;
     }
-    if (!NumberOfRecords) {
+    if (!pResult) {
         SetLastError(ERROR_INVALID_PARAMETER);
-        return FALSE;
+        return false;
     }
+    return LoadContents(log->path(), contents);
+}
+
+BOOL WINAPI GetNumberOfEventLogRecords(HANDLE hEventLog, PDWORD NumberOfRecords) {
     EventLogContents contents;
-    if (!LoadContents(log->path(), &contents)) {
+    if (!LoadContentsOfHandle(hEventLog, NumberOfRecords, &contents)) {
         return FALSE;
     }
     *NumberOfRecords = static_cast<DWORD>(contents.records.size());
@@ -452,20 +459,8 @@ BOOL WINAPI GetNumberOfEventLogRecords(HANDLE hEventLog, PDWORD NumberOfRecords)
 }
 
 BOOL WINAPI GetOldestEventLogRecord(HANDLE hEventLog, PDWORD OldestRecord) {
-    if (!RunningOnNt()) {
-        return FALSE;
-    }
-    std::shared_ptr<EventLogObject> log = LookupHandleAs<EventLogObject>(hEventLog);
-    if (!log) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return FALSE;
-    }
-    if (!OldestRecord) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return FALSE;
-    }
     EventLogContents contents;
-    if (!LoadContents(log->path(), &contents)) {
+    if (!LoadContentsOfHandle(hEventLog, OldestRecord, &contents)) {
         return FALSE;
     }
     *OldestRecord = contents.records.empty() ? 0 : contents.records.front().number;
