@@ -7,8 +7,8 @@
 
 #include "frame/process_data.h"
 #include "platform/win32.h"
-#include "telephony/country_lookup.h"
-#include "telephony/global_address_functions.h"
+#include "telephony/dialing/country_lookup.h"
+#include "telephony/dialing/global_address_functions.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/posix/image_resources.h"
+#include "platform/posix/module/image_resources.h"
 
 using namespace zq::platform::internal;
 

@@ -2,7 +2,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/posix/image_resources.h"
+#include "platform/posix/module/image_resources.h"
 
 using namespace zq::platform::internal;
 

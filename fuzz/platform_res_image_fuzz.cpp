@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/posix/resource_directory.h"
+#include "platform/posix/module/resource_directory.h"
 
 using namespace zq::platform::internal;
 

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <vector>
 
-#include "platform/posix/version_block.h"
+#include "platform/posix/module/version_block.h"
 #include "platform/win32.h"
 
 using namespace zq::platform::internal;

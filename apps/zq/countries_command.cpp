@@ -7,7 +7,7 @@
 #include "command.h"
 #include "console.h"
 #include "language_module.h"
-#include "telephony/country_lookup.h"
+#include "telephony/dialing/country_lookup.h"
 
 namespace zq::app {
 

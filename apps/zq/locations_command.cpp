@@ -14,9 +14,9 @@
 #include "command.h"
 #include "console.h"
 #include "language_module.h"
-#include "telephony/country_lookup.h"
-#include "telephony/global_address_functions.h"
-#include "telephony/location_item_list.h"
+#include "telephony/dialing/country_lookup.h"
+#include "telephony/dialing/global_address_functions.h"
+#include "telephony/dialing/location_item_list.h"
 
 namespace zq::app {
 

@@ -15,8 +15,8 @@
 #include "settings/global_config.h"
 #include "settings/ini_file.h"
 #include "settings/regedit4.h"
-#include "telephony/global_address_functions.h"
-#include "telephony/location_item_list.h"
+#include "telephony/dialing/global_address_functions.h"
+#include "telephony/dialing/location_item_list.h"
 #include "translate/gbl_translate.h"
 
 namespace zq::app {

@@ -16,8 +16,8 @@
 // Objects are not shared between threads.
 #pragma once
 
-#include "framework/arrays.h"
-#include "framework/cstring.h"
+#include "framework/core/arrays.h"
+#include "framework/core/cstring.h"
 #include "platform/win32.h"
 
 class CZqGlobalEventLog {

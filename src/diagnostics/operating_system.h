@@ -13,7 +13,7 @@
 // All members are safe on any thread.
 #pragma once
 
-#include "framework/cstring.h"
+#include "framework/core/cstring.h"
 #include "platform/win32.h"
 
 class CZqGlobalOperatingSystem {

@@ -29,7 +29,7 @@
 #include <memory>
 #include <utility>
 
-#include "framework/cstring.h"
+#include "framework/core/cstring.h"
 #include "platform/win32.h"
 
 // What the header states about the program and the machine, gathered by

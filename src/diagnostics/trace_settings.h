@@ -11,8 +11,8 @@
 // An object belongs to one thread at a time.
 #pragma once
 
-#include "framework/arrays.h"
-#include "framework/cstring.h"
+#include "framework/core/arrays.h"
+#include "framework/core/cstring.h"
 #include "platform/win32.h"
 
 class CZqTraceSettings {

@@ -25,7 +25,7 @@
 // language of the strings. An object is used by one thread at a time.
 #pragma once
 
-#include "framework/cstring.h"
+#include "framework/core/cstring.h"
 #include "platform/win32.h"
 
 class CZqVersionResource {

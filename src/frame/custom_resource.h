@@ -12,7 +12,7 @@
 // while the module is loaded; it needs no release of its own.
 #pragma once
 
-#include "framework/object.h"
+#include "framework/core/object.h"
 #include "platform/win32.h"
 
 class CZqCustomResource : public CObject {

@@ -7,7 +7,7 @@
 // The choice of the proposed name is in place (ZqMakeSaveFileName).
 #pragma once
 
-#include "framework/cstring.h"
+#include "framework/core/cstring.h"
 #include "platform/win32.h"
 
 class CDocument;

@@ -7,7 +7,7 @@
 // callable from any thread.
 #pragma once
 
-#include "framework/cstring.h"
+#include "framework/core/cstring.h"
 #include "platform/win32.h"
 
 class CDC;

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string>
 
-#include "framework/dc.h"
+#include "framework/gdi/dc.h"
 
 namespace {
 

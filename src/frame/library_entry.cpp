@@ -2,7 +2,7 @@
 
 #include "frame/global_functions.h"
 #include "frame/process_data.h"
-#include "framework/extension_module.h"
+#include "framework/modules/extension_module.h"
 
 namespace {
 

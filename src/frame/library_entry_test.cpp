@@ -7,8 +7,8 @@
 
 #include "frame/global_functions.h"
 #include "frame/process_data.h"
-#include "framework/cstring.h"
-#include "framework/extension_module.h"
+#include "framework/core/cstring.h"
+#include "framework/modules/extension_module.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 // DWordToBaseString.
 #pragma once
 
-#include "framework/cstring.h"
+#include "framework/core/cstring.h"
 #include "platform/win32.h"
 
 // The decimal number at the start of lpszText, as the C library's strtoul

@@ -9,7 +9,7 @@
 #pragma once
 
 #include "platform/win32.h"
-#include "telephony/country_code.h"
+#include "telephony/dialing/country_code.h"
 
 class CZqLanguageSupport;
 

@@ -1,7 +1,7 @@
 #include "frame/resource_search.h"
 
 #include "frame/process_data.h"
-#include "framework/extension_module.h"
+#include "framework/modules/extension_module.h"
 
 namespace zq::frame {
 

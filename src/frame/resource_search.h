@@ -9,7 +9,7 @@
 // search ends with the extension modules).
 #pragma once
 
-#include "framework/cstring.h"
+#include "framework/core/cstring.h"
 #include "platform/win32.h"
 
 namespace zq::frame {

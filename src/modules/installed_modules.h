@@ -21,9 +21,9 @@
 // at a time.
 #pragma once
 
-#include "framework/arrays.h"
-#include "framework/cstring.h"
-#include "framework/object.h"
+#include "framework/core/arrays.h"
+#include "framework/core/cstring.h"
+#include "framework/core/object.h"
 #include "platform/win32.h"
 
 class CZqGlobalConfig;

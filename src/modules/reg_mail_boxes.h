@@ -16,9 +16,9 @@
 // nothing is read or written. An object belongs to one thread at a time.
 #pragma once
 
-#include "framework/arrays.h"
-#include "framework/cstring.h"
-#include "framework/object.h"
+#include "framework/core/arrays.h"
+#include "framework/core/cstring.h"
+#include "framework/core/object.h"
 #include "platform/win32.h"
 
 struct tagREGMAILBOXSTRUCT {

@@ -24,7 +24,7 @@
 // members may run on several threads at once.
 #pragma once
 
-#include "framework/cstring.h"
+#include "framework/core/cstring.h"
 #include "platform/win32.h"
 
 // Called once per subkey with its name; a result other than 0 stops the

@@ -5,7 +5,7 @@
 #include <new>
 #include <string_view>
 
-#include "framework/exceptions.h"
+#include "framework/core/exceptions.h"
 #include "settings/ini_value_text.h"
 
 using zq::settings::FieldSplitter;

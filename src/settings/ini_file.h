@@ -47,7 +47,7 @@
 // independent. One object serves one thread at a time.
 #pragma once
 
-#include "framework/arrays.h"
+#include "framework/core/arrays.h"
 #include "platform/win32.h"
 
 class CZqIniFile {

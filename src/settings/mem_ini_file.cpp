@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "frame/global_file_functions.h"
-#include "framework/cfile.h"
+#include "framework/files/cfile.h"
 #include "settings/ini_value_text.h"
 
 using zq::settings::FormatDecimal;

@@ -33,10 +33,10 @@
 // object.
 #pragma once
 
-#include "framework/arrays.h"
-#include "framework/cstring.h"
-#include "framework/maps.h"
-#include "framework/object.h"
+#include "framework/core/arrays.h"
+#include "framework/core/cstring.h"
+#include "framework/core/maps.h"
+#include "framework/core/object.h"
 #include "platform/win32.h"
 #include "settings/ini_file.h"
 

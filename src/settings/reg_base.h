@@ -15,7 +15,7 @@
 // An object is used by one thread at a time.
 #pragma once
 
-#include "framework/object.h"
+#include "framework/core/object.h"
 #include "platform/win32.h"
 
 class CZqGlobalConfig;

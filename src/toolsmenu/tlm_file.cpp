@@ -4,8 +4,8 @@
 #include <memory>
 #include <new>
 
-#include "framework/cfile.h"
-#include "framework/exceptions.h"
+#include "framework/core/exceptions.h"
+#include "framework/files/cfile.h"
 
 IMPLEMENT_DYNCREATE(CTlmFile, CObject)
 

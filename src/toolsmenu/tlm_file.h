@@ -9,9 +9,9 @@
 // (CFileException::m_cause, 1 when it names none) becomes the status.
 #pragma once
 
-#include "framework/arrays.h"
-#include "framework/cstring.h"
-#include "framework/object.h"
+#include "framework/core/arrays.h"
+#include "framework/core/cstring.h"
+#include "framework/core/object.h"
 #include "platform/win32.h"
 #include "toolsmenu/tlm_item.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "frame/process_data.h"
-#include "framework/cfile.h"
+#include "framework/files/cfile.h"
 #include "support/test_support.h"
 
 namespace {

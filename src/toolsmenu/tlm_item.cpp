@@ -5,8 +5,8 @@
 #include <cstring>
 
 #include "frame/process_data.h"
-#include "framework/cfile.h"
-#include "framework/exceptions.h"
+#include "framework/core/exceptions.h"
+#include "framework/files/cfile.h"
 
 static_assert(std::endian::native == std::endian::little,
               "records are read and written as they are in memory");

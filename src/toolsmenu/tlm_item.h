@@ -19,8 +19,8 @@
 // getters never read past a field.
 #pragma once
 
-#include "framework/cstring.h"
-#include "framework/object.h"
+#include "framework/core/cstring.h"
+#include "framework/core/object.h"
 #include "platform/win32.h"
 
 class CFile;

@@ -3,9 +3,9 @@
 #include <memory>
 #include <new>
 
-#include "framework/cmd_target.h"
-#include "framework/menu.h"
-#include "framework/wnd.h"
+#include "framework/windows/cmd_target.h"
+#include "framework/windows/menu.h"
+#include "framework/windows/wnd.h"
 
 IMPLEMENT_DYNCREATE(CTlmMenu, CObject)
 

@@ -6,9 +6,9 @@
 // texts. The menu owns its items.
 #pragma once
 
-#include "framework/arrays.h"
-#include "framework/cstring.h"
-#include "framework/object.h"
+#include "framework/core/arrays.h"
+#include "framework/core/cstring.h"
+#include "framework/core/object.h"
 #include "platform/win32.h"
 #include "toolsmenu/tlm_file.h"
 #include "toolsmenu/tlm_item.h"

@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <string>
 
-#include "framework/cmd_target.h"
-#include "framework/menu.h"
-#include "framework/wnd.h"
+#include "framework/windows/cmd_target.h"
+#include "framework/windows/menu.h"
+#include "framework/windows/wnd.h"
 #include "support/process_probe.h"
 #include "support/test_support.h"
 

@@ -4,8 +4,8 @@
 #include <cstring>
 
 #include "frame/process_data.h"
-#include "framework/cfile.h"
-#include "framework/exceptions.h"
+#include "framework/core/exceptions.h"
+#include "framework/files/cfile.h"
 
 namespace {
 

@@ -26,7 +26,7 @@
 // default description). Not thread-safe.
 #pragma once
 
-#include "framework/cstring.h"
+#include "framework/core/cstring.h"
 #include "platform/win32.h"
 
 class CWnd;

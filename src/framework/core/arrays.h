@@ -17,8 +17,8 @@
 #include <algorithm>
 #include <vector>
 
-#include "framework/cstring.h"
-#include "framework/object.h"
+#include "framework/core/cstring.h"
+#include "framework/core/object.h"
 #include "platform/win32.h"
 
 template <class TYPE, class ARG_TYPE = const TYPE&>

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <type_traits>
 
-#include "framework/cstring.h"
+#include "framework/core/cstring.h"
 #include "platform/win32.h"
 
 // An opaque place in a list or map; NULL means "no more".

@@ -1,7 +1,7 @@
 // Run-time class information of the named collections.
-#include "framework/arrays.h"
-#include "framework/lists.h"
-#include "framework/maps.h"
+#include "framework/core/arrays.h"
+#include "framework/core/lists.h"
+#include "framework/core/maps.h"
 
 IMPLEMENT_DYNAMIC(CStringArray, CObject)
 IMPLEMENT_DYNAMIC(CByteArray, CObject)

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "framework/arrays.h"
-#include "framework/lists.h"
-#include "framework/maps.h"
+#include "framework/core/arrays.h"
+#include "framework/core/lists.h"
+#include "framework/core/maps.h"
 
 namespace {
 

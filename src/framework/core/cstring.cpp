@@ -1,4 +1,4 @@
-#include "framework/cstring.h"
+#include "framework/core/cstring.h"
 
 #include <algorithm>
 #include <climits>
@@ -9,7 +9,7 @@
 #include <string_view>
 #include <utility>
 
-#include "framework/extension_module.h"
+#include "framework/modules/extension_module.h"
 
 namespace zq::framework {
 

@@ -1,4 +1,4 @@
-#include "framework/ctime.h"
+#include "framework/core/ctime.h"
 
 #include <ctime>
 

@@ -1,4 +1,4 @@
-#include "framework/exceptions.h"
+#include "framework/core/exceptions.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -12,8 +12,8 @@
 // the platform boundary.
 #pragma once
 
-#include "framework/cstring.h"
-#include "framework/object.h"
+#include "framework/core/cstring.h"
+#include "framework/core/object.h"
 #include "platform/win32.h"
 
 class CException : public CObject {

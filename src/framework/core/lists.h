@@ -18,9 +18,9 @@
 #include <type_traits>
 #include <utility>
 
-#include "framework/collection_helpers.h"
-#include "framework/cstring.h"
-#include "framework/object.h"
+#include "framework/core/collection_helpers.h"
+#include "framework/core/cstring.h"
+#include "framework/core/object.h"
 #include "platform/win32.h"
 
 template <class TYPE, class ARG_TYPE = const TYPE&>

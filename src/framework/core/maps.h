@@ -21,9 +21,9 @@
 #include <type_traits>
 #include <vector>
 
-#include "framework/collection_helpers.h"
-#include "framework/cstring.h"
-#include "framework/object.h"
+#include "framework/core/collection_helpers.h"
+#include "framework/core/cstring.h"
+#include "framework/core/object.h"
 #include "platform/win32.h"
 
 template <class KEY, class ARG_KEY, class VALUE, class ARG_VALUE>

@@ -1,8 +1,8 @@
-#include "framework/object.h"
+#include "framework/core/object.h"
 
 #include <new>
 
-#include "framework/exceptions.h"
+#include "framework/core/exceptions.h"
 
 const CRuntimeClass CObject::classCObject = {
     "CObject", static_cast<int>(sizeof(CObject)), 0xFFFF, nullptr, nullptr, nullptr};

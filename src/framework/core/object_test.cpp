@@ -1,4 +1,4 @@
-#include "framework/object.h"
+#include "framework/core/object.h"
 
 #include <gtest/gtest.h>
 

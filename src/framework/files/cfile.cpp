@@ -1,4 +1,4 @@
-#include "framework/cfile.h"
+#include "framework/files/cfile.h"
 
 #include <algorithm>
 #include <cstring>

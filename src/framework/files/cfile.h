@@ -12,10 +12,10 @@
 // A CFile object is not shared between threads without outside locking.
 #pragma once
 
-#include "framework/cstring.h"
-#include "framework/ctime.h"
-#include "framework/exceptions.h"
-#include "framework/object.h"
+#include "framework/core/cstring.h"
+#include "framework/core/ctime.h"
+#include "framework/core/exceptions.h"
+#include "framework/core/object.h"
 #include "platform/win32.h"
 
 struct CFileStatus {

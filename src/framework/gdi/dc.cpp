@@ -1,4 +1,4 @@
-#include "framework/dc.h"
+#include "framework/gdi/dc.h"
 
 #include <cstring>
 

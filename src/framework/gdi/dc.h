@@ -7,8 +7,8 @@
 // abbreviation, column fitting) gets stable, predictable results from it.
 #pragma once
 
-#include "framework/cstring.h"
-#include "framework/object.h"
+#include "framework/core/cstring.h"
+#include "framework/core/object.h"
 #include "platform/win32.h"
 
 class CSize : public tagSIZE {

@@ -1,4 +1,4 @@
-#include "framework/extension_module.h"
+#include "framework/modules/extension_module.h"
 
 #include <atomic>
 #include <climits>

@@ -15,7 +15,7 @@
 
 #include <vector>
 
-#include "framework/object.h"
+#include "framework/core/object.h"
 #include "platform/win32.h"
 
 struct AFX_EXTENSION_MODULE {

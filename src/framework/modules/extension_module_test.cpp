@@ -1,11 +1,11 @@
-#include "framework/extension_module.h"
+#include "framework/modules/extension_module.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <vector>
 
-#include "framework/cstring.h"
+#include "framework/core/cstring.h"
 
 namespace {
 

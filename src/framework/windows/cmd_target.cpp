@@ -1,6 +1,6 @@
-#include "framework/cmd_target.h"
+#include "framework/windows/cmd_target.h"
 
-#include "framework/menu.h"
+#include "framework/windows/menu.h"
 
 IMPLEMENT_DYNAMIC(CCmdTarget, CObject)
 

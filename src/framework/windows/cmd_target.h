@@ -10,7 +10,7 @@
 // the menu item it stands for.
 #pragma once
 
-#include "framework/object.h"
+#include "framework/core/object.h"
 #include "platform/win32.h"
 
 class CMenu;

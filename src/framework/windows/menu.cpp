@@ -1,6 +1,6 @@
-#include "framework/menu.h"
+#include "framework/windows/menu.h"
 
-#include "framework/handle_map.h"
+#include "framework/windows/handle_map.h"
 
 IMPLEMENT_DYNCREATE(CMenu, CObject)
 

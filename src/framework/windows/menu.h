@@ -8,8 +8,8 @@
 // framework.
 #pragma once
 
-#include "framework/cstring.h"
-#include "framework/object.h"
+#include "framework/core/cstring.h"
+#include "framework/core/object.h"
 #include "platform/win32.h"
 
 class CMenu : public CObject {

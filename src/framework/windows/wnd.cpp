@@ -1,11 +1,11 @@
-#include "framework/wnd.h"
+#include "framework/windows/wnd.h"
 
 #include <atomic>
 #include <mutex>
 
-#include "framework/extension_module.h"
-#include "framework/handle_map.h"
-#include "framework/menu.h"
+#include "framework/modules/extension_module.h"
+#include "framework/windows/handle_map.h"
+#include "framework/windows/menu.h"
 
 IMPLEMENT_DYNCREATE(CWnd, CCmdTarget)
 

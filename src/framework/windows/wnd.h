@@ -8,8 +8,8 @@
 // objects, per thread).
 #pragma once
 
-#include "framework/cmd_target.h"
-#include "framework/cstring.h"
+#include "framework/core/cstring.h"
+#include "framework/windows/cmd_target.h"
 #include "platform/win32.h"
 
 class CMenu;

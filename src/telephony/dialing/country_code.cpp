@@ -1,4 +1,4 @@
-#include "telephony/country_code.h"
+#include "telephony/dialing/country_code.h"
 
 #include <cstring>
 #include <new>

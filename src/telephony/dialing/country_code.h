@@ -16,8 +16,8 @@
 // threads without outside locking.
 #pragma once
 
-#include "framework/arrays.h"
-#include "framework/cstring.h"
+#include "framework/core/arrays.h"
+#include "framework/core/cstring.h"
 #include "platform/win32.h"
 
 class CComboBox;

@@ -1,4 +1,4 @@
-#include "telephony/country_code.h"
+#include "telephony/dialing/country_code.h"
 
 #include <gtest/gtest.h>
 
@@ -6,9 +6,9 @@
 #include <thread>
 #include <vector>
 
-#include "telephony/country_lookup.h"
-#include "telephony/language_module_for_tests.h"
+#include "telephony/dialing/country_lookup.h"
 #include "telephony/telephony_results.h"
+#include "telephony/testing/language_module_for_tests.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "telephony/country_lookup.h"
+#include "telephony/dialing/country_lookup.h"
 
 #include <cstdio>
 

@@ -8,10 +8,10 @@
 // order wins.
 #pragma once
 
-#include "framework/cstring.h"
-#include "framework/maps.h"
+#include "framework/core/cstring.h"
+#include "framework/core/maps.h"
 #include "platform/win32.h"
-#include "telephony/country_code.h"
+#include "telephony/dialing/country_code.h"
 
 typedef CMap<UINT, UINT, CString, const CString&> CZqCountryNameMap;
 

@@ -1,11 +1,11 @@
-#include "telephony/global_address_functions.h"
+#include "telephony/dialing/global_address_functions.h"
 
 #include <cstring>
 #include <string>
 #include <utility>
 
 #include "frame/resource_search.h"
-#include "telephony/country_lookup.h"
+#include "telephony/dialing/country_lookup.h"
 
 namespace {
 

@@ -23,7 +23,7 @@
 // country_lookup.h).
 #pragma once
 
-#include "framework/cstring.h"
+#include "framework/core/cstring.h"
 #include "platform/win32.h"
 
 class CZqTAPIInterface;

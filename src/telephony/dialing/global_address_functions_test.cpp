@@ -1,12 +1,12 @@
-#include "telephony/global_address_functions.h"
+#include "telephony/dialing/global_address_functions.h"
 
 #include <gtest/gtest.h>
 
 #include <map>
 #include <string>
 
-#include "telephony/language_module_for_tests.h"
-#include "telephony/locations_for_tests.h"
+#include "telephony/testing/language_module_for_tests.h"
+#include "telephony/testing/locations_for_tests.h"
 
 namespace {
 

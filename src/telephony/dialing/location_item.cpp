@@ -1,9 +1,9 @@
-#include "telephony/location_item.h"
+#include "telephony/dialing/location_item.h"
 
 #include <memory>
 #include <new>
 
-#include "telephony/location_registry.h"
+#include "telephony/dialing/location_registry.h"
 #include "telephony/telephony_results.h"
 
 using zq::telephony::kObjectNotMade;

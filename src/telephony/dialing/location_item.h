@@ -12,8 +12,8 @@
 // kObjectNotMade (0x24004000) when the registry object cannot be made.
 #pragma once
 
-#include "framework/arrays.h"
-#include "framework/cstring.h"
+#include "framework/core/arrays.h"
+#include "framework/core/cstring.h"
 #include "platform/win32.h"
 
 class CZqLocationItem {

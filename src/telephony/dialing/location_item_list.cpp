@@ -1,4 +1,4 @@
-#include "telephony/location_item_list.h"
+#include "telephony/dialing/location_item_list.h"
 
 #include <cstring>
 #include <memory>
@@ -8,7 +8,7 @@
 #include "diagnostics/version_resource.h"
 #include "frame/global_functions.h"
 #include "settings/global_config.h"
-#include "telephony/location_registry.h"
+#include "telephony/dialing/location_registry.h"
 #include "telephony/telephony_results.h"
 
 using zq::telephony::kObjectNotMade;

@@ -9,9 +9,9 @@
 // registry call being atomic on its own.
 #pragma once
 
-#include "framework/arrays.h"
+#include "framework/core/arrays.h"
 #include "platform/win32.h"
-#include "telephony/location_item.h"
+#include "telephony/dialing/location_item.h"
 
 class CListBox;
 

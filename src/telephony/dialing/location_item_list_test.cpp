@@ -1,4 +1,4 @@
-#include "telephony/location_item_list.h"
+#include "telephony/dialing/location_item_list.h"
 
 #include <gtest/gtest.h>
 
@@ -10,9 +10,9 @@
 #include "settings/global_config.h"
 #include "support/process_probe.h"
 #include "support/test_support.h"
-#include "telephony/installation_for_tests.h"
-#include "telephony/location_registry.h"
-#include "telephony/locations_for_tests.h"
+#include "telephony/dialing/location_registry.h"
+#include "telephony/testing/installation_for_tests.h"
+#include "telephony/testing/locations_for_tests.h"
 
 namespace {
 

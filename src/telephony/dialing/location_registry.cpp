@@ -1,4 +1,4 @@
-#include "telephony/location_registry.h"
+#include "telephony/dialing/location_registry.h"
 
 #include <cstdio>
 #include <cstring>

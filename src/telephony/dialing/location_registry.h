@@ -27,7 +27,7 @@
 // An object is used by one thread at a time.
 #pragma once
 
-#include "framework/cstring.h"
+#include "framework/core/cstring.h"
 #include "platform/win32.h"
 #include "settings/reg_base.h"
 

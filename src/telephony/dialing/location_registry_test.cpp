@@ -1,11 +1,11 @@
-#include "telephony/location_registry.h"
+#include "telephony/dialing/location_registry.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "settings/global_config.h"
-#include "telephony/installation_for_tests.h"
+#include "telephony/testing/installation_for_tests.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "telephony/global_address_functions.h"
-#include "telephony/location_item.h"
+#include "telephony/dialing/global_address_functions.h"
+#include "telephony/dialing/location_item.h"
 
 namespace zq::telephony::testing {
 

@@ -1,5 +1,5 @@
 // File-backed byte source: positional reads, no shared file offset.
-#include "platform/posix/byte_source.h"
+#include "platform/posix/base/byte_source.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-#include "platform/posix/debug_channel.h"
+#include "platform/posix/base/debug_channel.h"
 
 #include <cstdio>
 #include <cstdlib>

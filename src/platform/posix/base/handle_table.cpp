@@ -1,4 +1,4 @@
-#include "platform/posix/handle_table.h"
+#include "platform/posix/base/handle_table.h"
 
 #include <mutex>
 #include <unordered_map>

@@ -1,4 +1,4 @@
-#include "platform/posix/host.h"
+#include "platform/posix/base/host.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

@@ -1,4 +1,4 @@
-#include "platform/posix/prefix.h"
+#include "platform/posix/base/prefix.h"
 
 #include <sys/stat.h>
 

@@ -1,5 +1,5 @@
 // WaitForSingleObject over the waitable kernel objects.
-#include "platform/posix/waitable.h"
+#include "platform/posix/base/waitable.h"
 
 extern "C" DWORD WINAPI WaitForSingleObject(HANDLE hHandle, DWORD dwMilliseconds) {
     using namespace zq::platform::internal;

@@ -5,7 +5,7 @@
 // usual; WaitForSingleObject finds it there and calls Wait.
 #pragma once
 
-#include "platform/posix/handle_table.h"
+#include "platform/posix/base/handle_table.h"
 
 namespace zq::platform::internal {
 

@@ -1,4 +1,4 @@
-#include "platform/posix/win32_errno.h"
+#include "platform/posix/base/win32_errno.h"
 
 #include <sys/stat.h>
 

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string>
 
-#include "platform/posix/dos_path.h"
+#include "platform/posix/file/dos_path.h"
 #include "platform/win32.h"
 
 namespace zq::platform::internal {

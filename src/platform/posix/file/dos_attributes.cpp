@@ -1,4 +1,4 @@
-#include "platform/posix/dos_attributes.h"
+#include "platform/posix/file/dos_attributes.h"
 
 #include <sys/xattr.h>
 
@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/posix/dos_path.h"
-#include "platform/posix/win32_errno.h"
+#include "platform/posix/base/win32_errno.h"
+#include "platform/posix/file/dos_path.h"
 
 namespace zq::platform::internal {
 

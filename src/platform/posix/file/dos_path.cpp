@@ -1,4 +1,4 @@
-#include "platform/posix/dos_path.h"
+#include "platform/posix/file/dos_path.h"
 
 #include <dirent.h>
 #include <sys/stat.h>
@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/posix/prefix.h"
+#include "platform/posix/base/prefix.h"
 
 namespace zq::platform::internal {
 

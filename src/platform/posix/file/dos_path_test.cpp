@@ -1,4 +1,4 @@
-#include "platform/posix/dos_path.h"
+#include "platform/posix/file/dos_path.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/posix/win32_errno.h"
+#include "platform/posix/base/win32_errno.h"
 #include "support/test_support.h"
 
 namespace zq::platform::internal {

@@ -1,10 +1,10 @@
-#include "platform/posix/dos_wildcard.h"
+#include "platform/posix/file/dos_wildcard.h"
 
 #include <algorithm>
 #include <cstring>
 #include <vector>
 
-#include "platform/posix/dos_path.h"
+#include "platform/posix/file/dos_path.h"
 
 namespace zq::platform::internal {
 

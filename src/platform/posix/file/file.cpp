@@ -5,9 +5,9 @@
 
 #include <cerrno>
 
-#include "platform/posix/file_object.h"
-#include "platform/posix/host.h"
-#include "platform/posix/win32_errno.h"
+#include "platform/posix/base/host.h"
+#include "platform/posix/base/win32_errno.h"
+#include "platform/posix/file/file_object.h"
 
 using namespace zq::platform::internal;
 

@@ -1,4 +1,4 @@
-#include "platform/posix/file_object.h"
+#include "platform/posix/file/file_object.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "platform/posix/dos_attributes.h"
-#include "platform/posix/dos_path.h"
-#include "platform/posix/host.h"
-#include "platform/posix/win32_errno.h"
+#include "platform/posix/base/host.h"
+#include "platform/posix/base/win32_errno.h"
+#include "platform/posix/file/dos_attributes.h"
+#include "platform/posix/file/dos_path.h"
 
 namespace zq::platform::internal {
 

@@ -23,7 +23,7 @@
 #include <mutex>
 #include <string>
 
-#include "platform/posix/handle_table.h"
+#include "platform/posix/base/handle_table.h"
 #include "platform/win32.h"
 
 namespace zq::platform::internal {

@@ -7,11 +7,11 @@
 #include <cerrno>
 #include <vector>
 
-#include "platform/posix/dos_attributes.h"
-#include "platform/posix/dos_path.h"
-#include "platform/posix/file_object.h"
-#include "platform/posix/host.h"
-#include "platform/posix/win32_errno.h"
+#include "platform/posix/base/host.h"
+#include "platform/posix/base/win32_errno.h"
+#include "platform/posix/file/dos_attributes.h"
+#include "platform/posix/file/dos_path.h"
+#include "platform/posix/file/file_object.h"
 
 using namespace zq::platform::internal;
 

@@ -6,8 +6,8 @@
 #include <cerrno>
 #include <string>
 
-#include "platform/posix/file_test_helpers.h"
-#include "platform/posix/host.h"
+#include "platform/posix/base/host.h"
+#include "platform/posix/file/file_test_helpers.h"
 #include "platform/win32.h"
 
 namespace zq::platform::internal {

@@ -5,9 +5,9 @@
 #include <cstring>
 #include <string>
 
-#include "platform/posix/file_object.h"
-#include "platform/posix/file_test_helpers.h"
-#include "platform/posix/host.h"
+#include "platform/posix/base/host.h"
+#include "platform/posix/file/file_object.h"
+#include "platform/posix/file/file_test_helpers.h"
 #include "platform/win32.h"
 
 namespace zq::platform::internal {

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/posix/dos_path.h"
+#include "platform/posix/file/dos_path.h"
 #include "platform/win32.h"
 #include "support/test_support.h"
 

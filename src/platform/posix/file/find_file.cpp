@@ -10,12 +10,12 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/dos_attributes.h"
-#include "platform/posix/dos_path.h"
-#include "platform/posix/dos_wildcard.h"
-#include "platform/posix/file_object.h"
-#include "platform/posix/handle_table.h"
-#include "platform/posix/win32_errno.h"
+#include "platform/posix/base/handle_table.h"
+#include "platform/posix/base/win32_errno.h"
+#include "platform/posix/file/dos_attributes.h"
+#include "platform/posix/file/dos_path.h"
+#include "platform/posix/file/dos_wildcard.h"
+#include "platform/posix/file/file_object.h"
 
 using namespace zq::platform::internal;
 

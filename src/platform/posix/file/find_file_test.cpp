@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/dos_wildcard.h"
-#include "platform/posix/file_test_helpers.h"
+#include "platform/posix/file/dos_wildcard.h"
+#include "platform/posix/file/file_test_helpers.h"
 #include "platform/win32.h"
 
 namespace zq::platform::internal {

@@ -7,8 +7,8 @@
 #include <cstring>
 #include <string>
 
-#include "platform/posix/dos_path.h"
-#include "platform/posix/win32_errno.h"
+#include "platform/posix/base/win32_errno.h"
+#include "platform/posix/file/dos_path.h"
 
 using namespace zq::platform::internal;
 

@@ -10,8 +10,8 @@
 #include <cstring>
 #include <string>
 
-#include "platform/posix/dos_path.h"
-#include "platform/posix/win32_errno.h"
+#include "platform/posix/base/win32_errno.h"
+#include "platform/posix/file/dos_path.h"
 
 namespace zq::platform::internal {
 

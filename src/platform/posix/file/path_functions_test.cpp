@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/posix/dos_path.h"
+#include "platform/posix/file/dos_path.h"
 #include "platform/win32.h"
 #include "support/test_support.h"
 

@@ -3,9 +3,9 @@
 #include <cstring>
 #include <string>
 
-#include "platform/posix/dos_path.h"
-#include "platform/posix/file_object.h"
-#include "platform/posix/host.h"
+#include "platform/posix/base/host.h"
+#include "platform/posix/file/dos_path.h"
+#include "platform/posix/file/file_object.h"
 
 using namespace zq::platform::internal;
 

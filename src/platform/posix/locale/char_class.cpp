@@ -1,4 +1,4 @@
-#include "platform/posix/char_class.h"
+#include "platform/posix/locale/char_class.h"
 
 #include <unicode/uchar.h>
 
@@ -6,7 +6,7 @@
 #include <memory>
 #include <mutex>
 
-#include "platform/posix/codepage.h"
+#include "platform/posix/locale/codepage.h"
 #include "platform/win32.h"
 
 namespace zq::platform::internal {

@@ -1,4 +1,4 @@
-#include "platform/posix/codepage.h"
+#include "platform/posix/locale/codepage.h"
 
 #include <unicode/normalizer2.h>
 #include <unicode/ucnv.h>

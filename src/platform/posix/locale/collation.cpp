@@ -1,4 +1,4 @@
-#include "platform/posix/collation.h"
+#include "platform/posix/locale/collation.h"
 
 #include <unicode/ucol.h>
 
@@ -10,8 +10,8 @@
 #include <mutex>
 #include <string>
 
-#include "platform/posix/codepage.h"
-#include "platform/posix/locale_data.h"
+#include "platform/posix/locale/codepage.h"
+#include "platform/posix/locale/locale_data.h"
 
 namespace zq::platform::internal {
 

@@ -3,10 +3,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/civil_time.h"
-#include "platform/posix/codepage.h"
-#include "platform/posix/locale_data.h"
-#include "platform/posix/picture.h"
+#include "platform/posix/locale/codepage.h"
+#include "platform/posix/locale/locale_data.h"
+#include "platform/posix/locale/picture.h"
+#include "platform/posix/system/civil_time.h"
 #include "platform/win32.h"
 
 namespace {

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <string>
 
-#include "platform/posix/host.h"
-#include "platform/posix/locale_table.h"
+#include "platform/posix/base/host.h"
+#include "platform/posix/locale/locale_table.h"
 #include "platform/win32.h"
 #include "support/test_support.h"
 

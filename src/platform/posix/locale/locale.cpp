@@ -2,9 +2,9 @@
 #include <cstring>
 #include <string>
 
-#include "platform/posix/codepage.h"
-#include "platform/posix/locale_data.h"
-#include "platform/posix/locale_table.h"
+#include "platform/posix/locale/codepage.h"
+#include "platform/posix/locale/locale_data.h"
+#include "platform/posix/locale/locale_table.h"
 #include "platform/win32.h"
 
 namespace {

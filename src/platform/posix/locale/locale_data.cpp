@@ -1,4 +1,4 @@
-#include "platform/posix/locale_data.h"
+#include "platform/posix/locale/locale_data.h"
 
 #include <unicode/calendar.h>
 #include <unicode/datefmt.h>
@@ -14,7 +14,7 @@
 #include <mutex>
 #include <vector>
 
-#include "platform/posix/picture.h"
+#include "platform/posix/locale/picture.h"
 
 namespace zq::platform::internal {
 

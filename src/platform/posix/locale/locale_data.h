@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/posix/locale_table.h"
+#include "platform/posix/locale/locale_table.h"
 #include "platform/win32.h"
 
 namespace zq::platform::internal {

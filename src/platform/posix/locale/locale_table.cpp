@@ -1,4 +1,4 @@
-#include "platform/posix/locale_table.h"
+#include "platform/posix/locale/locale_table.h"
 
 #include <atomic>
 #include <cstdlib>

@@ -4,9 +4,9 @@
 #include <string>
 #include <thread>
 
-#include "platform/posix/locale_data.h"
-#include "platform/posix/locale_table.h"
-#include "platform/posix/picture.h"
+#include "platform/posix/locale/locale_data.h"
+#include "platform/posix/locale/locale_table.h"
+#include "platform/posix/locale/picture.h"
 #include "platform/win32.h"
 #include "support/test_support.h"
 

@@ -3,8 +3,8 @@
 #include <cstring>
 #include <string_view>
 
-#include "platform/posix/char_class.h"
-#include "platform/posix/collation.h"
+#include "platform/posix/locale/char_class.h"
+#include "platform/posix/locale/collation.h"
 #include "platform/win32.h"
 
 namespace {

@@ -4,8 +4,8 @@
 #include <cstring>
 #include <string>
 
-#include "platform/posix/collation.h"
-#include "platform/posix/locale_table.h"
+#include "platform/posix/locale/collation.h"
+#include "platform/posix/locale/locale_table.h"
 #include "platform/win32.h"
 #include "support/test_support.h"
 

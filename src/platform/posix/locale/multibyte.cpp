@@ -2,7 +2,7 @@
 #include <cstring>
 #include <string>
 
-#include "platform/posix/codepage.h"
+#include "platform/posix/locale/codepage.h"
 #include "platform/win32.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/posix/picture.h"
+#include "platform/posix/locale/picture.h"
 
 namespace zq::platform::internal {
 

@@ -1,5 +1,5 @@
 // ELF section headers and the PE resource directory, read defensively.
-#include "platform/posix/image_resources.h"
+#include "platform/posix/module/image_resources.h"
 
 #include <cstring>
 #include <string>

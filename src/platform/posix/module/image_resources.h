@@ -11,8 +11,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/posix/byte_source.h"
-#include "platform/posix/resource_directory.h"
+#include "platform/posix/base/byte_source.h"
+#include "platform/posix/module/resource_directory.h"
 
 namespace zq::platform::internal {
 

@@ -1,15 +1,15 @@
 // The readers of .res images, PE resource directories, ELF sections and
 // version blocks on damaged input: every failure is a result, never a read
 // outside the data (the asan build checks the latter).
-#include "platform/posix/image_resources.h"
+#include "platform/posix/module/image_resources.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 #include <string>
 
+#include "platform/posix/module/version_block.h"
 #include "platform/posix/testdata/pe_builder.h"
-#include "platform/posix/version_block.h"
 #include "support/test_support.h"
 
 namespace zq::platform::internal {

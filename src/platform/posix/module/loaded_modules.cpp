@@ -1,5 +1,5 @@
 // Enumerating the process's ELF objects through the dynamic linker.
-#include "platform/posix/loaded_modules.h"
+#include "platform/posix/module/loaded_modules.h"
 
 #include <dlfcn.h>
 #include <limits.h>

@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/debug_channel.h"
-#include "platform/posix/dos_path.h"
-#include "platform/posix/loaded_modules.h"
+#include "platform/posix/base/debug_channel.h"
+#include "platform/posix/file/dos_path.h"
+#include "platform/posix/module/loaded_modules.h"
 #include "platform/win32.h"
 
 namespace zq::platform::internal {

@@ -2,9 +2,9 @@
 #include <cstring>
 #include <string>
 
-#include "platform/posix/loaded_modules.h"
-#include "platform/posix/resource_table.h"
-#include "platform/posix/resource_text.h"
+#include "platform/posix/module/loaded_modules.h"
+#include "platform/posix/module/resource_table.h"
+#include "platform/posix/module/resource_text.h"
 #include "platform/win32.h"
 
 using namespace zq::platform::internal;

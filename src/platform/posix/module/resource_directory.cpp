@@ -1,9 +1,9 @@
 // Flat resource lists: the .res image reader and the language choice.
-#include "platform/posix/resource_directory.h"
+#include "platform/posix/module/resource_directory.h"
 
 #include <cstdlib>
 
-#include "platform/posix/resource_text.h"
+#include "platform/posix/module/resource_text.h"
 
 namespace zq::platform::internal {
 

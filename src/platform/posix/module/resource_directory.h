@@ -13,7 +13,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/posix/byte_source.h"
+#include "platform/posix/base/byte_source.h"
 #include "platform/win32.h"
 
 namespace zq::platform::internal {

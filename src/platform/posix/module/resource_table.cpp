@@ -1,12 +1,12 @@
 // Registered resource images and lookups in them.
-#include "platform/posix/resource_table.h"
+#include "platform/posix/module/resource_table.h"
 
 #include <map>
 #include <memory>
 #include <mutex>
 #include <vector>
 
-#include "platform/posix/debug_channel.h"
+#include "platform/posix/base/debug_channel.h"
 
 namespace zq::platform::internal {
 namespace {

@@ -10,7 +10,7 @@
 
 #include <cstdint>
 
-#include "platform/posix/resource_directory.h"
+#include "platform/posix/module/resource_directory.h"
 #include "platform/win32.h"
 
 namespace zq::platform::internal {

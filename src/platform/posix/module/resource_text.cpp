@@ -1,7 +1,7 @@
 // Resource text in the ANSI code page of the emulated system.
-#include "platform/posix/resource_text.h"
+#include "platform/posix/module/resource_text.h"
 
-#include "platform/posix/codepage.h"
+#include "platform/posix/locale/codepage.h"
 
 namespace zq::platform::internal {
 

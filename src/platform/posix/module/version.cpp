@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/debug_channel.h"
-#include "platform/posix/dos_path.h"
-#include "platform/posix/image_resources.h"
-#include "platform/posix/resource_text.h"
-#include "platform/posix/version_block.h"
-#include "platform/posix/win32_errno.h"
+#include "platform/posix/base/debug_channel.h"
+#include "platform/posix/base/win32_errno.h"
+#include "platform/posix/file/dos_path.h"
+#include "platform/posix/module/image_resources.h"
+#include "platform/posix/module/resource_text.h"
+#include "platform/posix/module/version_block.h"
 #include "platform/win32.h"
 
 using namespace zq::platform::internal;

@@ -1,7 +1,7 @@
 // Walking version blocks without trusting their lengths.
-#include "platform/posix/version_block.h"
+#include "platform/posix/module/version_block.h"
 
-#include "platform/posix/resource_text.h"
+#include "platform/posix/module/resource_text.h"
 
 namespace zq::platform::internal {
 

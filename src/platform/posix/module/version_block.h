@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/posix/byte_source.h"
+#include "platform/posix/base/byte_source.h"
 
 namespace zq::platform::internal {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/resource_directory.h"
+#include "platform/posix/module/resource_directory.h"
 #include "platform/posix/testdata/pe_builder.h"
 #include "platform/win32.h"
 #include "support/test_support.h"

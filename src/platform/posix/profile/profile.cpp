@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/posix/profile_edit.h"
-#include "platform/posix/profile_store.h"
+#include "platform/posix/profile/profile_edit.h"
+#include "platform/posix/profile/profile_store.h"
 #include "platform/win32.h"
 
 namespace zq::platform::internal {

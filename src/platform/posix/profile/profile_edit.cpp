@@ -1,4 +1,4 @@
-#include "platform/posix/profile_edit.h"
+#include "platform/posix/profile/profile_edit.h"
 
 namespace zq::platform::internal {
 

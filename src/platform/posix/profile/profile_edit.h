@@ -19,7 +19,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/posix/profile_text.h"
+#include "platform/posix/profile/profile_text.h"
 
 namespace zq::platform::internal {
 

@@ -1,6 +1,6 @@
-#include "platform/posix/profile_path.h"
+#include "platform/posix/profile/profile_path.h"
 
-#include "platform/posix/dos_path.h"
+#include "platform/posix/file/dos_path.h"
 
 namespace zq::platform::internal {
 

@@ -1,4 +1,4 @@
-#include "platform/posix/profile_store.h"
+#include "platform/posix/profile/profile_store.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -15,11 +15,11 @@
 #include <thread>
 #include <unordered_map>
 
-#include "platform/posix/debug_channel.h"
-#include "platform/posix/dos_attributes.h"
-#include "platform/posix/host.h"
-#include "platform/posix/profile_path.h"
-#include "platform/posix/win32_errno.h"
+#include "platform/posix/base/debug_channel.h"
+#include "platform/posix/base/host.h"
+#include "platform/posix/base/win32_errno.h"
+#include "platform/posix/file/dos_attributes.h"
+#include "platform/posix/profile/profile_path.h"
 
 namespace zq::platform::internal {
 

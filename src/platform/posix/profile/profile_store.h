@@ -38,7 +38,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/posix/profile_text.h"
+#include "platform/posix/profile/profile_text.h"
 #include "platform/win32.h"
 
 namespace zq::platform::internal {

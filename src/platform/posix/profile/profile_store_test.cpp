@@ -20,8 +20,8 @@
 #include <thread>
 #include <vector>
 
-#include "platform/posix/host.h"
-#include "platform/posix/profile_store.h"
+#include "platform/posix/base/host.h"
+#include "platform/posix/profile/profile_store.h"
 #include "platform/win32.h"
 #include "support/test_support.h"
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/dos_path.h"
+#include "platform/posix/file/dos_path.h"
 #include "platform/win32.h"
 #include "support/test_support.h"
 

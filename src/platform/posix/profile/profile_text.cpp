@@ -1,4 +1,4 @@
-#include "platform/posix/profile_text.h"
+#include "platform/posix/profile/profile_text.h"
 
 #include <algorithm>
 #include <array>

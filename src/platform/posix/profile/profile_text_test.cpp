@@ -1,14 +1,14 @@
 // The parsed form of profile files: line kinds and names on awkward input,
 // and the shifted form of a text after a value edit, which must equal a
 // fresh parse of the same bytes.
-#include "platform/posix/profile_text.h"
+#include "platform/posix/profile/profile_text.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 #include <string>
 
-#include "platform/posix/profile_edit.h"
+#include "platform/posix/profile/profile_edit.h"
 
 namespace zq::platform::internal {
 namespace {

@@ -10,11 +10,11 @@
 #include <new>
 #include <string>
 
-#include "platform/posix/debug_channel.h"
-#include "platform/posix/handle_table.h"
-#include "platform/posix/registry_database.h"
-#include "platform/posix/registry_names.h"
-#include "platform/posix/registry_store.h"
+#include "platform/posix/base/debug_channel.h"
+#include "platform/posix/base/handle_table.h"
+#include "platform/posix/registry/registry_database.h"
+#include "platform/posix/registry/registry_names.h"
+#include "platform/posix/registry/registry_store.h"
 #include "platform/win32.h"
 
 namespace zq::platform::internal {

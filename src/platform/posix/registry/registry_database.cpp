@@ -1,4 +1,4 @@
-#include "platform/posix/registry_database.h"
+#include "platform/posix/registry/registry_database.h"
 
 #include <fcntl.h>
 #include <pthread.h>
@@ -11,10 +11,10 @@
 #include <cstring>
 #include <memory>
 
-#include "platform/posix/debug_channel.h"
-#include "platform/posix/host.h"
-#include "platform/posix/prefix.h"
-#include "platform/posix/registry_names.h"
+#include "platform/posix/base/debug_channel.h"
+#include "platform/posix/base/host.h"
+#include "platform/posix/base/prefix.h"
+#include "platform/posix/registry/registry_names.h"
 
 namespace zq::platform::internal {
 

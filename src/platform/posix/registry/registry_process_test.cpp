@@ -20,7 +20,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/registry_database.h"
+#include "platform/posix/registry/registry_database.h"
 #include "platform/win32.h"
 
 extern char** environ;

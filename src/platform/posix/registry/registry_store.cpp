@@ -1,4 +1,4 @@
-#include "platform/posix/registry_store.h"
+#include "platform/posix/registry/registry_store.h"
 
 #include <vector>
 

@@ -11,8 +11,8 @@
 #include <cstdint>
 #include <string_view>
 
-#include "platform/posix/registry_database.h"
-#include "platform/posix/registry_names.h"
+#include "platform/posix/registry/registry_database.h"
+#include "platform/posix/registry/registry_names.h"
 
 namespace zq::platform::internal {
 

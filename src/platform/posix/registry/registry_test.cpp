@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/posix/registry_database.h"
+#include "platform/posix/registry/registry_database.h"
 #include "platform/win32.h"
 
 namespace {

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/accounts.h"
-#include "platform/posix/dos_path.h"
-#include "platform/posix/handle_table.h"
+#include "platform/posix/base/handle_table.h"
+#include "platform/posix/file/dos_path.h"
+#include "platform/posix/security/accounts.h"
 #include "platform/win32.h"
 
 namespace zq::platform::internal {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/accounts.h"
+#include "platform/posix/security/accounts.h"
 #include "platform/win32.h"
 #include "support/test_support.h"
 

@@ -1,4 +1,4 @@
-#include "platform/posix/accounts.h"
+#include "platform/posix/security/accounts.h"
 
 #include <grp.h>
 #include <pwd.h>
@@ -13,7 +13,7 @@
 #include <sstream>
 #include <type_traits>
 
-#include "platform/posix/dos_path.h"
+#include "platform/posix/file/dos_path.h"
 
 namespace zq::platform::internal {
 

@@ -11,13 +11,13 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/accounts.h"
-#include "platform/posix/dos_path.h"
-#include "platform/posix/event_log_file.h"
-#include "platform/posix/handle_table.h"
-#include "platform/posix/host.h"
-#include "platform/posix/prefix.h"
-#include "platform/posix/win32_errno.h"
+#include "platform/posix/base/handle_table.h"
+#include "platform/posix/base/host.h"
+#include "platform/posix/base/prefix.h"
+#include "platform/posix/base/win32_errno.h"
+#include "platform/posix/file/dos_path.h"
+#include "platform/posix/security/accounts.h"
+#include "platform/posix/security/event_log_file.h"
 #include "platform/win32.h"
 
 namespace zq::platform::internal {

@@ -1,8 +1,8 @@
-#include "platform/posix/event_log_file.h"
+#include "platform/posix/security/event_log_file.h"
 
 #include <cstring>
 
-#include "platform/posix/byte_source.h"
+#include "platform/posix/base/byte_source.h"
 
 namespace zq::platform::internal {
 

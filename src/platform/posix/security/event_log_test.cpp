@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/dos_path.h"
-#include "platform/posix/event_log_file.h"
+#include "platform/posix/file/dos_path.h"
+#include "platform/posix/security/event_log_file.h"
 #include "platform/win32.h"
 #include "support/test_support.h"
 

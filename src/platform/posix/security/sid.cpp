@@ -2,7 +2,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/posix/accounts.h"
+#include "platform/posix/security/accounts.h"
 #include "platform/win32.h"
 
 using zq::platform::internal::ReadSid;

@@ -1,8 +1,8 @@
-#include "platform/posix/civil_time.h"
+#include "platform/posix/system/civil_time.h"
 
 #include <time.h>
 
-#include "platform/posix/host.h"
+#include "platform/posix/base/host.h"
 
 namespace zq::platform::internal {
 

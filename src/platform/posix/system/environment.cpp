@@ -2,7 +2,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/posix/prefix.h"
+#include "platform/posix/base/prefix.h"
 #include "platform/win32.h"
 
 extern "C" {

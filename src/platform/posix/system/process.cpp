@@ -20,11 +20,11 @@
 #include <thread>
 #include <vector>
 
-#include "platform/posix/command_line.h"
-#include "platform/posix/debug_channel.h"
-#include "platform/posix/dos_path.h"
-#include "platform/posix/waitable.h"
-#include "platform/posix/win32_errno.h"
+#include "platform/posix/base/debug_channel.h"
+#include "platform/posix/base/waitable.h"
+#include "platform/posix/base/win32_errno.h"
+#include "platform/posix/file/dos_path.h"
+#include "platform/posix/system/command_line.h"
 
 extern char** environ;
 

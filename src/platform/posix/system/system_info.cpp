@@ -9,7 +9,7 @@
 #include <fstream>
 #include <string>
 
-#include "platform/posix/debug_channel.h"
+#include "platform/posix/base/debug_channel.h"
 #include "platform/win32.h"
 
 namespace {

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-#include "platform/posix/civil_time.h"
-#include "platform/posix/host.h"
+#include "platform/posix/base/host.h"
+#include "platform/posix/system/civil_time.h"
 #include "platform/win32.h"
 #include "support/test_support.h"
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "platform/posix/user_objects.h"
+#include "platform/posix/user/user_objects.h"
 
 namespace zq::platform::internal {
 

@@ -1,4 +1,4 @@
-#include "platform/posix/user_objects.h"
+#include "platform/posix/user/user_objects.h"
 
 #include <unordered_map>
 

@@ -9,7 +9,7 @@
 #include <map>
 #include <string>
 
-#include "platform/posix/user_objects.h"
+#include "platform/posix/user/user_objects.h"
 
 namespace zq::platform::internal {
 
